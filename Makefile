@@ -1,0 +1,33 @@
+# Thin wrapper over CMake presets. `make demo` and `make test` work on a fresh Debian machine.
+JOBS ?= $(shell nproc)
+DEMO_DIR ?= demo-output
+
+.PHONY: deps build release test demo bench format clean
+
+deps:
+	./scripts/install-deps.sh
+
+build: deps
+	cmake --preset dev >/dev/null
+	cmake --build --preset dev -j $(JOBS)
+
+release: deps
+	cmake --preset release >/dev/null
+	cmake --build --preset release -j $(JOBS)
+
+test: deps
+	cmake --preset ci >/dev/null
+	cmake --build --preset ci -j $(JOBS)
+	ctest --preset ci -j $(JOBS)
+
+demo: release
+	./build/release/src/cli/varo demo $(DEMO_DIR)
+
+bench: release
+	./bench/run-all.sh build/release
+
+format:
+	find src tests bench -name '*.cpp' -o -name '*.hpp' | xargs clang-format -i
+
+clean:
+	rm -rf build

@@ -1,0 +1,33 @@
+#!/usr/bin/env bash
+# Installs the Debian packages that building, testing and the demo need.
+# Does nothing when everything is already present; uses sudo when not root.
+set -euo pipefail
+
+packages=(
+  cmake ninja-build g++ make ccache
+  libgtest-dev libgmock-dev libbenchmark-dev
+  libeigen3-dev libcli11-dev nlohmann-json3-dev
+  qt6-base-dev qt6-charts-dev libgl1-mesa-dev fonts-dejavu-core
+  xvfb xauth hyperfine
+  python3-numpy python3-scipy python3-statsmodels
+)
+
+missing=()
+for p in "${packages[@]}"; do
+  if ! dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed"; then
+    missing+=("$p")
+  fi
+done
+
+if [ ${#missing[@]} -eq 0 ]; then
+  exit 0
+fi
+
+echo "Installing: ${missing[*]}"
+sudo_cmd=()
+if [ "$(id -u)" -ne 0 ]; then
+  sudo_cmd=(sudo)
+fi
+export DEBIAN_FRONTEND=noninteractive
+"${sudo_cmd[@]}" apt-get update -qq
+"${sudo_cmd[@]}" apt-get install -y -qq --no-install-recommends "${missing[@]}"

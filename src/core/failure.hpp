@@ -1,0 +1,61 @@
+// Run-time failures and cancels.
+//
+// Every run-time failure of a run is a `Failure`: a number from the failure table and a
+// description of what went wrong (naming the file, line and value where there is one).
+// A screen's run catches it in one place, shows the text of `reportFailureText` in a box
+// titled "Error Message" and runs its cleanup. A confirmed cancel is a `Cancelled`.
+#pragma once
+
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+namespace varo::core {
+
+// Numbers of the failure table. Any other number adds no line to the box.
+namespace failure {
+inline constexpr int Overflow = 5;
+inline constexpr int OverflowOccurred = 6;
+inline constexpr int FileTooLarge = 9;
+inline constexpr int DivisionByZero = 11;
+inline constexpr int TypeMismatch = 13;
+inline constexpr int FileNotFound = 53;
+inline constexpr int FileAlreadyOpen = 55;
+inline constexpr int FileAlreadyExists = 58;
+inline constexpr int DiskFull = 61;
+inline constexpr int InputPastEnd = 62;
+inline constexpr int DriveUnavailable = 68;
+inline constexpr int PermissionDenied = 70;
+inline constexpr int DiskNotReady = 71;
+inline constexpr int PathAccessError = 75;
+inline constexpr int PathNotFound = 76;
+inline constexpr int SingularMatrix = 1306;
+} // namespace failure
+
+class Failure : public std::runtime_error {
+public:
+    Failure(int number, std::string description)
+        : std::runtime_error(description), number_(number), description_(std::move(description)) {}
+
+    int number() const noexcept { return number_; }
+    const std::string& description() const noexcept { return description_; }
+
+private:
+    int number_;
+    std::string description_;
+};
+
+// Thrown by a long loop that saw a confirmed stop request.
+class Cancelled : public std::exception {
+public:
+    const char* what() const noexcept override { return "Processing cancelled."; }
+};
+
+// The text of the "Error Message" box: the apology line, the table's line(s) for the
+// number, then the description; lines separated by carriage return and line feed.
+std::string reportFailureText(int number, std::string_view description);
+
+// The table's line(s) for a failure number, empty for numbers outside the table.
+std::string_view failureTableLines(int number);
+
+} // namespace varo::core

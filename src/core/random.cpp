@@ -1,0 +1,19 @@
+#include "core/random.hpp"
+
+#include <chrono>
+
+namespace varo::core {
+
+void UniformRandom::seed(std::uint64_t seedValue) {
+    state_ = 0;
+    nextBits();
+    state_ += seedValue;
+    nextBits();
+}
+
+void UniformRandom::seedFromClock() {
+    const auto now = std::chrono::high_resolution_clock::now().time_since_epoch().count();
+    seed(static_cast<std::uint64_t>(now));
+}
+
+} // namespace varo::core

@@ -1,0 +1,105 @@
+#include "core/number_format.hpp"
+
+#include <gtest/gtest.h>
+
+using namespace varo::core;
+
+TEST(FormatPattern, SixDecimalsOfTransformedFiles) {
+    EXPECT_EQ(formatPattern(12.5, "####0.000000"), "12.500000");
+    EXPECT_EQ(formatPattern(-2.0, "####0.000000"), "-2.000000");
+    EXPECT_EQ(formatPattern(0.25, "####0.000000"), "0.250000");
+    EXPECT_EQ(formatPattern(123456789.0, "####0.000000"), "123456789.000000");
+}
+
+TEST(FormatPattern, ThreeDecimalsNeverCutsWideValues) {
+    EXPECT_EQ(formatPattern(1234567.5, "#####0.000"), "1234567.500");
+    EXPECT_EQ(formatPattern(-999.0, "####0.000"), "-999.000");
+    EXPECT_EQ(formatPattern(0.0, "####0.000"), "0.000");
+}
+
+TEST(FormatPattern, RoundsHalfToEvenOnTheShortestDigits) {
+    EXPECT_EQ(formatPattern(0.0005, "0.000"), "0.000");
+    EXPECT_EQ(formatPattern(0.0015, "0.000"), "0.002");
+    EXPECT_EQ(formatPattern(2.675, "#0.00"), "2.68");
+    EXPECT_EQ(formatPattern(0.125, "#0.00"), "0.12");
+    EXPECT_EQ(formatPattern(2.5, "0"), "2");
+    EXPECT_EQ(formatPattern(3.5, "0"), "4");
+    EXPECT_EQ(formatPattern(0.00051, "0.000"), "0.001");
+    EXPECT_EQ(formatPattern(9.9996, "0.000"), "10.000");
+}
+
+TEST(FormatPattern, ZeroAfterRoundingCarriesNoMinus) {
+    EXPECT_EQ(formatPattern(-0.0004, "####0.000"), "0.000");
+    EXPECT_EQ(formatPattern(-0.0006, "####0.000"), "-0.001");
+}
+
+TEST(FormatPattern, PrefixGroupingAndOptionalDigits) {
+    EXPECT_EQ(formatPattern(0.5, " #0.0000"), " 0.5000");
+    EXPECT_EQ(formatPattern(-0.5, " #0.0000"), " -0.5000");
+    EXPECT_EQ(formatPattern(1234.5, "0.000,"), "1,234.500");
+    EXPECT_EQ(formatPattern(1234567.0, "####0.000,"), "1,234,567.000");
+    EXPECT_EQ(formatPattern(123.0, "0.000,"), "123.000");
+    EXPECT_EQ(formatPattern(-1234.0, "0.000,"), "-1,234.000");
+    EXPECT_EQ(formatPattern(57.4, "######"), "57");
+    EXPECT_EQ(formatPattern(0.0, "######"), "");
+    EXPECT_EQ(formatPattern(1.0, "0"), "1");
+    EXPECT_EQ(formatPattern(0.3456, "0.0000"), "0.3456");
+}
+
+TEST(GeneralNumber, ShortestTextWithoutLeadingZero) {
+    EXPECT_EQ(generalText(12.5), "12.5");
+    EXPECT_EQ(generalText(0.005), ".005");
+    EXPECT_EQ(generalText(-0.5), "-.5");
+    EXPECT_EQ(generalText(-999.0), "-999");
+    EXPECT_EQ(generalText(0.0), "0");
+    EXPECT_EQ(generalText(0.1 + 0.2), ".3");
+    EXPECT_EQ(generalText(1.0 / 3.0), ".333333333333333");
+    EXPECT_EQ(generalText(123456789012345.0), "123456789012345");
+}
+
+TEST(GeneralNumber, ExponentFormOutsideTheDecimalRange) {
+    EXPECT_EQ(generalText(1e16), "1E+16");
+    EXPECT_EQ(generalText(1e15), "1E+15");
+    EXPECT_EQ(generalText(0.00001), "1E-05");
+    EXPECT_EQ(generalText(0.0001), ".0001");
+    EXPECT_EQ(generalText(-1.5e-7), "-1.5E-07");
+    EXPECT_EQ(generalText(2.5e100), "2.5E+100");
+}
+
+TEST(GeneralNumber, SinglePrecisionKeepsSevenDigits) {
+    EXPECT_EQ(generalTextSingle(0.1f), ".1");
+    EXPECT_EQ(generalTextSingle(1.0f / 3.0f), ".3333333");
+    EXPECT_EQ(generalTextSingle(1000.5f), "1000.5");
+}
+
+TEST(GeneralNumber, PrintedFormHasSignPlaceAndTrailingBlank) {
+    EXPECT_EQ(printNumber(12.5), " 12.5 ");
+    EXPECT_EQ(printNumber(-999.0), "-999 ");
+    EXPECT_EQ(printNumber(0.005), " .005 ");
+    EXPECT_EQ(printInteger(10957), " 10957 ");
+    EXPECT_EQ(printInteger(-3), "-3 ");
+}
+
+TEST(PrintZones, ValuesStartEvery14Columns) {
+    std::string line = "12.500";
+    padToNextZone(line, 0);
+    EXPECT_EQ(line.size(), 14u);
+    line += "-999.000";
+    padToNextZone(line, 0);
+    EXPECT_EQ(line, "12.500        -999.000      ");
+}
+
+TEST(PrintZones, ValuePastZoneEndMovesNextValueToFollowingZone) {
+    std::string line = "123456789012.500"; // 16 characters pass the first zone
+    padToNextZone(line, 0);
+    EXPECT_EQ(line.size(), 28u);
+    std::string exact(14, 'x'); // ends exactly on the boundary: the next zone starts here
+    padToNextZone(exact, 0);
+    EXPECT_EQ(exact.size(), 14u);
+}
+
+TEST(PrintZones, PaddingCountsFromTheLineStart) {
+    std::string text = "first line\r\nab";
+    padToNextZone(text, 12);
+    EXPECT_EQ(text, "first line\r\nab            ");
+}

@@ -1,0 +1,42 @@
+#include "core/numeric_text.hpp"
+
+#include <gtest/gtest.h>
+
+using namespace varo::core;
+
+TEST(NumericTest, AcceptsSignedDecimalsWithExponentAndBlanks) {
+    for (const char* text :
+         {"0", "-999", " 12.5 ", "+3", ".5", "5.", "1e5", "-1.5E-03", "1000.5"}) {
+        EXPECT_TRUE(isNumeric(text)) << text;
+    }
+}
+
+TEST(NumericTest, RefusesEmptyTextWordsAndTrailingCharacters) {
+    for (const char* text :
+         {"", " ", "-", ".", "abc", "12abc", "1.2.3", "1e", "--1", "1 2", "nan", "inf"}) {
+        EXPECT_FALSE(isNumeric(text)) << text;
+    }
+}
+
+TEST(LeadingNumber, TakesTheLongestNumericPrefix) {
+    EXPECT_EQ(leadingNumber("12abc"), 12.0);
+    EXPECT_EQ(leadingNumber("  -3.5xyz"), -3.5);
+    EXPECT_EQ(leadingNumber("abc"), 0.0);
+    EXPECT_EQ(leadingNumber("1e3x"), 1000.0);
+    EXPECT_EQ(leadingNumber("2e"), 2.0);
+}
+
+TEST(Rounding, IntegersTieToEven) {
+    EXPECT_EQ(roundHalfEven(2.5), 2);
+    EXPECT_EQ(roundHalfEven(3.5), 4);
+    EXPECT_EQ(roundHalfEven(-2.5), -2);
+    EXPECT_EQ(roundHalfEven(3.6), 4);
+    EXPECT_EQ(roundHalfEven(10.5), 10);
+}
+
+TEST(Rounding, DecimalsTieToEvenOnShortestDigits) {
+    EXPECT_DOUBLE_EQ(roundToDecimals(1.234565, 5), 1.23456);
+    EXPECT_DOUBLE_EQ(roundToDecimals(1.234575, 5), 1.23458);
+    EXPECT_DOUBLE_EQ(roundToDecimals(2.0 / 3.0, 5), 0.66667);
+    EXPECT_DOUBLE_EQ(roundToDecimals(-0.000005, 5), 0.0);
+}
