@@ -1,0 +1,150 @@
+#include "weathergen/simulation_files.hpp"
+
+#include "core/dates.hpp"
+#include "core/failure.hpp"
+#include "core/number_format.hpp"
+#include "core/numeric_text.hpp"
+
+namespace varo::weathergen {
+
+namespace {
+
+const core::NumberFormat OutFormat("#####0.000");
+
+std::string trimmed(const std::string& text) {
+    const size_t first = text.find_first_not_of(" \t");
+    if (first == std::string::npos) {
+        return {};
+    }
+    const size_t last = text.find_last_not_of(" \t");
+    return text.substr(first, last - first + 1);
+}
+
+class DescriptionReader {
+public:
+    explicit DescriptionReader(const std::string& path) : reader_(path), path_(path) {}
+
+    std::string text() {
+        ++line_;
+        return trimmed(reader_.readLine());
+    }
+
+    long integer(long low, long high) {
+        const std::string value = text();
+        if (!core::isNumeric(value)) {
+            fail(value, "is not a number");
+        }
+        const long long number = core::roundHalfEven(core::leadingNumber(value));
+        if (number < low || number > high) {
+            fail(value, "is out of range");
+        }
+        return static_cast<long>(number);
+    }
+
+    double number() {
+        const std::string value = text();
+        if (!core::isNumeric(value)) {
+            fail(value, "is not a number");
+        }
+        return core::leadingNumber(value);
+    }
+
+    bool flag() {
+        const std::string value = text();
+        if (value == "#TRUE#") {
+            return true;
+        }
+        if (value != "#FALSE#") {
+            fail(value, "is not #TRUE# or #FALSE#");
+        }
+        return false;
+    }
+
+    std::string date() {
+        const std::string value = text();
+        if (!core::parseDate(value)) {
+            fail(value, "is not a date dd/mm/yyyy");
+        }
+        return value;
+    }
+
+private:
+    [[noreturn]] void fail(const std::string& value, const char* problem) const {
+        throw core::Failure(core::failure::TypeMismatch, "'" + value + "' on line " +
+                                                             std::to_string(line_) + " of '" +
+                                                             path_ + "' " + problem + ".");
+    }
+
+    core::SeriesReader reader_;
+    std::string path_;
+    long line_ = 0;
+};
+
+} // namespace
+
+std::string simPathFor(const std::string& outPath) {
+    if (outPath.size() < 3) {
+        return outPath + "SIM";
+    }
+    return outPath.substr(0, outPath.size() - 3) + "SIM";
+}
+
+void writeSimulationDescription(core::TextFileWriter& file, const SimulationDescription& d) {
+    file.writeLine(core::printInteger(d.predictorCount));
+    file.writeLine(core::printInteger(d.seasonCode));
+    file.writeLine(core::printInteger(d.yearIndicator));
+    file.writeLine(d.fitStart);
+    file.writeLine(core::printInteger(d.fitLength));
+    file.writeLine(d.conditional ? "#TRUE#" : "#FALSE#");
+    file.writeLine(core::printInteger(d.ensembleSize));
+    file.writeLine(core::printInteger(d.precN));
+    file.writeLine(core::printInteger(d.transformCode));
+    file.writeLine(core::printNumberSingle(d.biasCorrection));
+    file.writeLine(d.predictandName);
+    for (const std::string& name : d.predictorNames) {
+        file.writeLine(name);
+    }
+}
+
+void writeSimulationDescription(const std::string& path, const SimulationDescription& description) {
+    core::TextFileWriter file(path);
+    writeSimulationDescription(file, description);
+    file.close();
+}
+
+SimulationDescription readSimulationDescription(const std::string& path) {
+    DescriptionReader reader(path);
+    SimulationDescription d;
+    d.predictorCount = static_cast<std::int16_t>(reader.integer(0, 100));
+    d.seasonCode = static_cast<std::int16_t>(reader.integer(0, 12));
+    d.yearIndicator = static_cast<std::int16_t>(reader.integer(360, 366));
+    d.fitStart = reader.date();
+    d.fitLength = static_cast<std::int32_t>(reader.integer(0, 100000000));
+    d.conditional = reader.flag();
+    d.ensembleSize = static_cast<std::int16_t>(reader.integer(1, 100));
+    d.precN = static_cast<std::int16_t>(reader.integer(-32768, 32767));
+    d.transformCode = static_cast<std::int16_t>(reader.integer(1, 5));
+    d.biasCorrection = static_cast<float>(reader.number());
+    d.predictandName = reader.text();
+    for (int i = 0; i < d.predictorCount; ++i) {
+        d.predictorNames.push_back(reader.text());
+    }
+    return d;
+}
+
+void appendDayLine(std::string& line, const double* values, int count) {
+    const size_t lineStart = line.size();
+    for (int k = 0; k < count; ++k) {
+        OutFormat.appendTo(line, values[k]);
+        core::padToNextZone(line, lineStart);
+    }
+}
+
+void writeDayLine(core::TextFileWriter& file, const double* values, int count) {
+    std::string line;
+    appendDayLine(line, values, count);
+    file.write(line);
+    file.endLine();
+}
+
+} // namespace varo::weathergen
