@@ -16,8 +16,8 @@ struct SimulationDescription {
     std::int16_t predictorCount = 0;
     std::int16_t seasonCode = 0;
     std::int16_t yearIndicator = 366; // 366, 365 or 360
-    std::string fitStart;              // dd/mm/yyyy
-    std::int32_t fitLength = 0;        // days
+    std::string fitStart;             // dd/mm/yyyy
+    std::int32_t fitLength = 0;       // days
     bool conditional = false;
     std::int16_t ensembleSize = 1;
     std::int16_t precN = 12;
@@ -33,7 +33,8 @@ std::string simPathFor(const std::string& outPath);
 
 // Writes the twelve items and the predictor names, one a line, numbers with the printed
 // blanks, the flag as "#TRUE#"/"#FALSE#", text bare.
-void writeSimulationDescription(core::TextFileWriter& file, const SimulationDescription& description);
+void writeSimulationDescription(core::TextFileWriter& file,
+                                const SimulationDescription& description);
 void writeSimulationDescription(const std::string& path, const SimulationDescription& description);
 
 // Reads a SIM file; a missing file, a short file or an item that is not what its line

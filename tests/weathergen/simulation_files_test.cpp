@@ -5,8 +5,8 @@
 #include <gtest/gtest.h>
 
 using namespace varo;
-using varo::testing::TempDir;
 using varo::testing::readFile;
+using varo::testing::TempDir;
 
 namespace {
 weathergen::SimulationDescription sample() {

@@ -1,0 +1,152 @@
+#include "cli/cli_context.hpp"
+
+#include "core/settings.hpp"
+#include "screens/navigation.hpp"
+#include "screens/settings_override.hpp"
+
+#include <atomic>
+#include <csignal>
+#include <iostream>
+#include <unistd.h>
+
+namespace varo::cli {
+
+namespace {
+std::atomic<bool> interrupted{false};
+
+extern "C" void onInterrupt(int) {
+    interrupted = true;
+}
+
+} // namespace
+
+InterruptGuard::InterruptGuard() {
+    interrupted = false;
+    previous_ = std::signal(SIGINT, onInterrupt);
+}
+
+InterruptGuard::~InterruptGuard() {
+    std::signal(SIGINT, previous_);
+}
+
+int exitCodeFor(screens::RunOutcome outcome) {
+    switch (outcome) {
+    case screens::RunOutcome::Done:
+        return ExitDone;
+    case screens::RunOutcome::Refused:
+        return ExitRefused;
+    case screens::RunOutcome::Failed:
+        return ExitFailed;
+    case screens::RunOutcome::Cancelled:
+        return ExitCancelled;
+    }
+    return ExitFailed;
+}
+
+std::string withUnixLineEnds(std::string_view text) {
+    std::string result;
+    result.reserve(text.size());
+    for (size_t i = 0; i < text.size(); ++i) {
+        if (text[i] == '\r') {
+            if (i + 1 < text.size() && text[i + 1] == '\n') {
+                continue;
+            }
+            result += '\n';
+        } else {
+            result += text[i];
+        }
+    }
+    return result;
+}
+
+void CliDialogs::message(std::string_view title, std::string_view text, screens::Icon icon) {
+    const std::string plain = withUnixLineEnds(text);
+    switch (icon) {
+    case screens::Icon::Error:
+        err_ << "Error Message: " << plain << '\n';
+        break;
+    case screens::Icon::Warning:
+    case screens::Icon::Exclamation:
+        warnings_.push_back(plain);
+        err_ << title << ": " << plain << '\n';
+        break;
+    default:
+        if (!options_.quiet && !options_.json) {
+            out_ << plain << '\n';
+        }
+        break;
+    }
+}
+
+bool CliDialogs::askYesNo(std::string_view title, std::string_view text, screens::Icon) {
+    if (!options_.quiet) {
+        err_ << title << ": " << withUnixLineEnds(text)
+             << (options_.yes ? " Yes (--yes)" : " No (pass --yes to answer Yes)") << '\n';
+    }
+    return options_.yes;
+}
+
+CliProgress::~CliProgress() {
+    finish();
+}
+
+void CliProgress::report(long current, long total, std::string_view caption) {
+    if (!terminal_ || options_.quiet || total <= 0) {
+        return;
+    }
+    const auto now = std::chrono::steady_clock::now();
+    if (drawn_ && now - lastDraw_ < std::chrono::milliseconds(100)) {
+        return;
+    }
+    lastDraw_ = now;
+    drawn_ = true;
+    const long percent = std::clamp(current * 100 / total, 0L, 100L);
+    const int width = 30;
+    const int filled = static_cast<int>(percent * width / 100);
+    err_ << '\r' << std::string(filled, '#') << std::string(width - filled, '.') << ' ' << percent
+         << "% " << caption << "\x1b[K" << std::flush;
+}
+
+bool CliProgress::stopRequested() {
+    return interrupted.exchange(false);
+}
+
+void CliProgress::finish() {
+    if (drawn_) {
+        err_ << "\r\x1b[K" << std::flush;
+        drawn_ = false;
+    }
+}
+
+CliContext::CliContext(std::ostream& outStream, std::ostream& errStream)
+    : out(outStream), err(errStream), dialogs_(outStream, errStream, options),
+      progress_(errStream, &errStream == &std::cerr && ::isatty(2) != 0, options) {}
+
+int CliContext::prepareState() {
+    screens::startProgram(state, options.settingsFile.empty() ? core::defaultSettingsPath()
+                                                              : options.settingsFile);
+    for (const std::string& assignment : options.overrides) {
+        const size_t equals = assignment.find('=');
+        if (equals == std::string::npos) {
+            dialogs_.error("--set takes KEY=VALUE, not '" + assignment + "'.");
+            return ExitRefused;
+        }
+        if (!screens::overrideSetting(state, dialogs_, assignment.substr(0, equals),
+                                      assignment.substr(equals + 1))) {
+            return ExitRefused;
+        }
+    }
+    return ExitDone;
+}
+
+void CliContext::printJson(const nlohmann::ordered_json& document) {
+    out << document.dump(2) << '\n';
+}
+
+void CliContext::printLine(const std::string& text) {
+    if (!options.json) {
+        out << text << '\n';
+    }
+}
+
+} // namespace varo::cli

@@ -1,0 +1,23 @@
+// Each command adds itself to the command line here.
+#pragma once
+
+#include "cli/cli_context.hpp"
+
+#include <CLI/CLI.hpp>
+
+namespace varo::cli {
+
+// A command's callback stores its exit status here.
+struct CommandResult {
+    int exitCode = ExitDone;
+};
+
+void addSettingsCommand(CLI::App& app, CliContext& context, CommandResult& result);
+void addQcCommand(CLI::App& app, CliContext& context, CommandResult& result);
+
+inline void addCommands(CLI::App& app, CliContext& context, CommandResult& result) {
+    addSettingsCommand(app, context, result);
+    addQcCommand(app, context, result);
+}
+
+} // namespace varo::cli

@@ -1,0 +1,63 @@
+#include "screens/navigation.hpp"
+
+#include "core/ini_file.hpp"
+#include "core/settings.hpp"
+
+namespace varo::screens {
+
+const std::vector<ToolbarKey>& hubToolbar() {
+    static const std::vector<ToolbarKey> keys = {
+        {ScreenKey::Home, "tb2Home", "Home", "Back to the start screen", "home"},
+        {ScreenKey::Quality, "tb2Quality", "Quality Control", "Check a data file", "quality"},
+        {ScreenKey::Transform, "tb2Transform", "Transform", "Transform a data file", "transform"},
+        {ScreenKey::Screen, "tb2Screen", "Screen Variables", "Screen predictors", "screen"},
+        {ScreenKey::Calibrate, "tb2Calibrate", "Calibrate", "Calibrate a model", "calibrate"},
+        {ScreenKey::WeatherGen, "tb2WeatherGen", "Weather Generator",
+         "Synthesise daily series from a model", "generate"},
+        {ScreenKey::AnalyseData, "tb2AnalyseData", "Summary Statistics",
+         "Summary statistics of observed or modelled series", "stats"},
+        {ScreenKey::Diagnostics, "tb2Diagnostics", "Diagnostics",
+         "Compare observed and modelled series", "diagnose"},
+        {ScreenKey::Generate, "tb2Generate", "Scenario Generator",
+         "Perturb a series into a scenario", "scenario"},
+        {ScreenKey::Compare, "tb2Compare", "Compare Results", "Chart two results files", "compare"},
+        {ScreenKey::TSPlot, "tb2TSPlot", "Time Series", "Time-series analysis", "timeseries"},
+    };
+    return keys;
+}
+
+const ToolbarKey* findToolbarKey(std::string_view shortName) {
+    for (const ToolbarKey& key : hubToolbar()) {
+        if (key.shortName == shortName) {
+            return &key;
+        }
+    }
+    return nullptr;
+}
+
+void startProgram(core::ProgramState& state, const std::string& settingsFile) {
+    core::initialiseState(state);
+    state.settingsFile = settingsFile;
+    state.defaultSettingsFile = settingsFile;
+    core::loadStartupSettings(state);
+}
+
+void startProgram(core::ProgramState& state) {
+    startProgram(state, core::defaultSettingsPath());
+}
+
+void IntroScreen::start() {
+    if (splashCheck) {
+        core::writeProfileString(state_.settingsFile, core::SettingsSection, "Splash", "False");
+    }
+}
+
+bool confirmExit(Dialogs& dialogs) {
+    return dialogs.askYesNo("Exit VARO?", "Do you really want to exit VARO?", Icon::Exclamation);
+}
+
+bool confirmCancel(Dialogs& dialogs) {
+    return dialogs.askYesNo("Cancel?", "Do you really want to cancel processing?", Icon::Question);
+}
+
+} // namespace varo::screens

@@ -1,0 +1,25 @@
+#include "screens/screen_run.hpp"
+
+#include "core/failure.hpp"
+
+namespace varo::screens {
+
+RunOutcome guardedRun(Dialogs& dialogs, const std::function<RunOutcome()>& body,
+                      const std::function<void()>& cleanup) {
+    try {
+        return body();
+    } catch (const core::Failure& failure) {
+        dialogs.error(core::reportFailureText(failure.number(), failure.description()));
+        cleanup();
+        return RunOutcome::Failed;
+    } catch (const core::RunStopped& stopped) {
+        dialogs.error(stopped.message());
+        cleanup();
+        return RunOutcome::Failed;
+    } catch (const core::Cancelled&) {
+        cleanup();
+        return RunOutcome::Cancelled;
+    }
+}
+
+} // namespace varo::screens

@@ -1,0 +1,25 @@
+// How a screen's run ends. Every run goes through `guardedRun`, the one place where
+// failures, stops with a message and cancels are caught and answered.
+#pragma once
+
+#include "screens/dialogs.hpp"
+
+#include <functional>
+
+namespace varo::screens {
+
+enum class RunOutcome {
+    Done,      // the run finished
+    Refused,   // a check refused the input; its message has been shown
+    Failed,    // a run-time failure; the failure box has been shown
+    Cancelled, // the person confirmed a cancel
+};
+
+// Runs `body`. A `core::Failure` shows the failure box (title "Error Message", the text of
+// `reportFailureText`), a `core::RunStopped` shows its message in an "Error Message" box,
+// and a `core::Cancelled` shows nothing; each of these then runs `cleanup`. The body's
+// own outcome is returned when it ends normally.
+RunOutcome guardedRun(Dialogs& dialogs, const std::function<RunOutcome()>& body,
+                      const std::function<void()>& cleanup);
+
+} // namespace varo::screens
