@@ -1,0 +1,77 @@
+#include "cli_test_support.hpp"
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+using namespace varo::testing;
+
+TEST(CliSettings, ShowListsEveryKeyWithItsWrittenForm) {
+    TempDir dir;
+    const auto run = runVaro(dir, {"settings", "show"});
+    EXPECT_EQ(run.exitCode, 0);
+    EXPECT_EQ(
+        run.out.rfind("YearIndicator=366\nGlobalSDate=01/01/1961\nGlobalEDate=31/12/1990\n", 0),
+        0u);
+    EXPECT_NE(run.out.find("\nConditionalThresh=.5\n"), std::string::npos);
+    EXPECT_NE(run.out.find("\nSplash=True\n"), std::string::npos);
+}
+
+TEST(CliSettings, JsonShowHasTypedValues) {
+    TempDir dir;
+    const auto run = runVaro(dir, {"--json", "--set", "Thresh=0.1", "settings", "show"});
+    ASSERT_EQ(run.exitCode, 0) << run.err;
+    const auto settings = nlohmann::json::parse(run.out);
+    EXPECT_EQ(settings.size(), 18u);
+    EXPECT_EQ(settings["YearIndicator"], 366);
+    EXPECT_EQ(settings["Thresh"], 0.1);
+    EXPECT_EQ(settings["GlobalMissingCode"], -999.0);
+    EXPECT_EQ(settings["AllowNeg"], true);
+    EXPECT_EQ(settings["GlobalSDate"], "01/01/1961");
+    EXPECT_EQ(settings["INIFile"], dir.path("VARO.INI"));
+}
+
+TEST(CliSettings, SetSavesALoadableFileAndRefusesBadValues) {
+    TempDir dir;
+    const auto saved = runVaro(dir, {"settings", "set", "YearIndicator", "360"});
+    EXPECT_EQ(saved.exitCode, 0) << saved.err;
+    EXPECT_EQ(saved.out, "YearIndicator saved to " + dir.path("VARO.INI") + ".\n");
+    const auto shown = runVaro(dir, {"--json", "settings", "show"});
+    EXPECT_EQ(nlohmann::json::parse(shown.out)["YearIndicator"], 360);
+    const auto refused = runVaro(dir, {"settings", "set", "ConditionalThresh", "0.99"});
+    EXPECT_EQ(refused.exitCode, 2);
+    EXPECT_EQ(refused.err,
+              "Error Message: Conditional threshold must be a value between 0.05 and 0.95.\n");
+    EXPECT_EQ(nlohmann::json::parse(
+                  runVaro(dir, {"--json", "settings", "show"}).out)["ConditionalThresh"],
+              0.5);
+}
+
+TEST(CliSettings, ResetWritesFactoryValuesWithDualSimplex) {
+    TempDir dir;
+    runVaro(dir, {"settings", "set", "Thresh", "2"});
+    const auto reset = runVaro(dir, {"settings", "reset"});
+    EXPECT_EQ(reset.exitCode, 0);
+    EXPECT_NE(reset.out.find("Settings saved to "), std::string::npos);
+    EXPECT_NE(reset.out.find("Advanced settings saved to "), std::string::npos);
+    const auto settings = nlohmann::json::parse(runVaro(dir, {"--json", "settings", "show"}).out);
+    EXPECT_EQ(settings["Thresh"], 0.0);
+    EXPECT_EQ(settings["OptimisationChoice"], 2);
+}
+
+TEST(CliSettings, GarbageSettingsFileNeverStopsAStart) {
+    TempDir dir;
+    dir.write("VARO.INI", "no section here\r\n=\r\n[VARO\r\nYearIndicator=abc\r\n\x01\x02\r\n");
+    const auto run = runVaro(dir, {"--json", "settings", "show"});
+    EXPECT_EQ(run.exitCode, 0);
+    EXPECT_EQ(nlohmann::json::parse(run.out)["YearIndicator"], 366);
+}
+
+TEST(CliUsage, UnknownCommandsAndOptionsAreRefused) {
+    TempDir dir;
+    EXPECT_EQ(runVaro(dir, {"frobnicate"}).exitCode, 2);
+    EXPECT_EQ(runVaro(dir, {"qc"}).exitCode, 2);
+    EXPECT_EQ(runVaro(dir, {"--set", "nonsense", "settings", "show"}).exitCode, 2);
+    const auto help = runVaro(dir, {"--help"});
+    EXPECT_EQ(help.exitCode, 0);
+    EXPECT_NE(help.out.find("qc"), std::string::npos);
+}
