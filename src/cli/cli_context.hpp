@@ -52,6 +52,7 @@ public:
                                             std::string_view) override {
         return std::nullopt;
     }
+    std::optional<std::string> pickFolder(std::string_view) override { return std::nullopt; }
 
     // Texts of the warnings shown, for --json reports.
     const std::vector<std::string>& warnings() const { return warnings_; }

@@ -28,6 +28,7 @@ public:
     virtual std::optional<std::string> pickSaveFile(std::string_view filter,
                                                     std::string_view startFolder,
                                                     std::string_view defaultExtension) = 0;
+    virtual std::optional<std::string> pickFolder(std::string_view startFolder) = 0;
 
     // A box titled "Error Message" with a stop icon.
     void error(std::string_view text) { message(ErrorTitle, text, Icon::Error); }

@@ -41,6 +41,7 @@ public:
                                             std::string_view) override {
         return nextFile();
     }
+    std::optional<std::string> pickFolder(std::string_view) override { return nextFile(); }
 
     // Texts of the "Error Message" boxes, in order.
     std::vector<std::string> errors() const {
