@@ -65,6 +65,16 @@ std::string_view skipBlanks(std::string_view text) {
 
 } // namespace
 
+std::string_view trimBlanks(std::string_view text) {
+    while (!text.empty() && isBlank(text.front())) {
+        text.remove_prefix(1);
+    }
+    while (!text.empty() && isBlank(text.back())) {
+        text.remove_suffix(1);
+    }
+    return text;
+}
+
 bool isNumeric(std::string_view text) {
     text = skipBlanks(text);
     const size_t length = numericPrefixLength(text);

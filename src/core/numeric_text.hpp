@@ -13,6 +13,9 @@ bool isNumeric(std::string_view text);
 // The longest numeric prefix after leading blanks, or 0 when there is none ("12abc" is 12).
 double leadingNumber(std::string_view text);
 
+// The text without the blanks and tabs at either end.
+std::string_view trimBlanks(std::string_view text);
+
 // Nearest integer, ties to even (2.5 is 2, 3.5 is 4).
 long long roundHalfEven(double value);
 

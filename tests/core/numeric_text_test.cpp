@@ -40,3 +40,9 @@ TEST(Rounding, DecimalsTieToEvenOnShortestDigits) {
     EXPECT_DOUBLE_EQ(roundToDecimals(2.0 / 3.0, 5), 0.66667);
     EXPECT_DOUBLE_EQ(roundToDecimals(-0.000005, 5), 0.0);
 }
+
+TEST(TrimBlanks, DropsBlanksAndTabsAtBothEndsOnly) {
+    EXPECT_EQ(trimBlanks(" \t a b \t"), "a b");
+    EXPECT_EQ(trimBlanks("   "), "");
+    EXPECT_EQ(trimBlanks("x\r"), "x\r");
+}
