@@ -11,22 +11,13 @@ namespace {
 
 const core::NumberFormat OutFormat("#####0.000");
 
-std::string trimmed(const std::string& text) {
-    const size_t first = text.find_first_not_of(" \t");
-    if (first == std::string::npos) {
-        return {};
-    }
-    const size_t last = text.find_last_not_of(" \t");
-    return text.substr(first, last - first + 1);
-}
-
 class DescriptionReader {
 public:
     explicit DescriptionReader(const std::string& path) : reader_(path), path_(path) {}
 
     std::string text() {
         ++line_;
-        return trimmed(reader_.readLine());
+        return std::string(core::trimBlanks(reader_.readLine()));
     }
 
     long integer(long low, long high) {

@@ -1,0 +1,153 @@
+#include "weathergen/synthesis_model.hpp"
+
+#include "core/failure.hpp"
+#include "core/number_format.hpp"
+#include "core/numeric_text.hpp"
+
+namespace varo::weathergen {
+
+ParameterFileReader::ParameterFileReader(const std::string& path) : path_(path), file_(path) {}
+
+std::string ParameterFileReader::nextLine() {
+    try {
+        std::string text = file_.readLine();
+        ++line_;
+        return text;
+    } catch (const core::Failure& failure) {
+        if (failure.number() != core::failure::InputPastEnd) {
+            throw;
+        }
+        throw core::Failure(core::failure::InputPastEnd, "The parameter file '" + path_ +
+                                                             "' ends after line " +
+                                                             std::to_string(line_) + ".");
+    }
+}
+
+void ParameterFileReader::fail(const std::string& text, const std::string& problem) const {
+    throw core::Failure(core::failure::TypeMismatch, "'" + text + "' on line " +
+                                                         std::to_string(line_) + " of '" + path_ +
+                                                         "' is not " + problem + ".");
+}
+
+long ParameterFileReader::integerItem(const char* what, long low, long high) {
+    const std::string text(core::trimBlanks(nextLine()));
+    if (!core::isNumeric(text)) {
+        fail(text, what);
+    }
+    const double value = core::leadingNumber(text);
+    if (!(value >= static_cast<double>(low) - 0.5 && value <= static_cast<double>(high) + 0.5)) {
+        fail(text, what);
+    }
+    const long long rounded = core::roundHalfEven(value);
+    if (rounded < low || rounded > high) {
+        fail(text, what);
+    }
+    return static_cast<long>(rounded);
+}
+
+core::Date ParameterFileReader::dateItem(std::string& text, const char* what) {
+    text = std::string(core::trimBlanks(nextLine()));
+    const auto date = core::parseDate(text);
+    if (!date) {
+        fail(text, what);
+    }
+    return *date;
+}
+
+ParameterHeader ParameterFileReader::readHeader() {
+    ParameterHeader header;
+    header.predictorCount =
+        static_cast<int>(integerItem("a predictor count from 0 to 30", 0, MaxPredictors));
+    const long seasonCode = integerItem("a number of groups (12, 4 or 1)", 1, 12);
+    if (seasonCode != 12 && seasonCode != 4 && seasonCode != 1) {
+        fail(std::to_string(seasonCode), "a number of groups (12, 4 or 1)");
+    }
+    header.seasonCode = static_cast<int>(seasonCode);
+    nextLine(); // the year length of the calibration; a run uses the settings' one
+    header.recordStart = dateItem(header.recordStartText, "a record start date dd/mm/yyyy");
+    header.recordLength = integerItem("a record length in days", 0, 2147483647L);
+    header.fitStart = dateItem(header.fitStartText, "a fit start date dd/mm/yyyy");
+    header.fitLength = integerItem("a fit length in days", 0, 2147483647L);
+
+    const std::string flag(core::trimBlanks(nextLine()));
+    if (flag != "#TRUE#" && flag != "#FALSE#") {
+        fail(flag, "the process flag #TRUE# or #FALSE#");
+    }
+    header.conditional = flag == "#TRUE#";
+    header.transformCode =
+        static_cast<int>(integerItem("a model transformation code from 1 to 5", 1, 5));
+    nextLine(); // a constant the generator does not use
+
+    std::string word(core::trimBlanks(nextLine()));
+    if (word == "True" || word == "False") {
+        header.autoRegressive = word == "True";
+        word = std::string(core::trimBlanks(nextLine()));
+    } else {
+        header.hasAutoRegressionLine = false;
+    }
+    header.predictandName = word;
+    for (int i = 0; i < header.predictorCount; ++i) {
+        header.predictorNames.emplace_back(core::trimBlanks(nextLine()));
+    }
+    return header;
+}
+
+std::vector<double> ParameterFileReader::zoneFields(const std::string& line, int count) const {
+    std::vector<double> values;
+    values.reserve(static_cast<size_t>(count));
+    for (int k = 1; k <= count; ++k) {
+        const size_t start = static_cast<size_t>(core::PrintZoneWidth * (k - 1));
+        const std::string field(
+            start < line.size()
+                ? core::trimBlanks(std::string_view(line).substr(start, core::PrintZoneWidth))
+                : std::string_view());
+        if (!core::isNumeric(field)) {
+            throw core::Failure(core::failure::TypeMismatch,
+                                "Column " + std::to_string(k) + " (characters " +
+                                    std::to_string(start + 1) + " to " +
+                                    std::to_string(start + core::PrintZoneWidth) + ") of line " +
+                                    std::to_string(line_) + " of '" + path_ + "' holds '" + field +
+                                    "', not a number; the row needs " + std::to_string(count) +
+                                    " values in 14-character columns.");
+        }
+        values.push_back(core::leadingNumber(field));
+    }
+    return values;
+}
+
+void ParameterFileReader::readRows(SynthesisModel& model) {
+    const ParameterHeader& header = model.header;
+    const int c = header.occurrenceColumns();
+    const bool boxCox = header.transformCode == TransformBoxCox;
+    for (MonthRows& month : model.months) {
+        std::vector<double> row = zoneFields(nextLine(), c + (boxCox ? 2 : 0));
+        if (boxCox) {
+            month.lamda = row[static_cast<size_t>(c)];
+            month.shift = row[static_cast<size_t>(c + 1)];
+            row.resize(static_cast<size_t>(c));
+        }
+        month.occurrence = std::move(row);
+    }
+    if (header.conditional) {
+        for (MonthRows& month : model.months) {
+            month.amount = zoneFields(nextLine(), header.amountColumns());
+        }
+    }
+}
+
+std::string ParameterFileReader::readPredictandPath() {
+    return std::string(core::trimBlanks(nextLine()));
+}
+
+SynthesisModel readSynthesisModel(const std::string& path) {
+    ParameterFileReader reader(path);
+    SynthesisModel model;
+    model.header = reader.readHeader();
+    reader.readRows(model);
+    if (model.header.transformCode == TransformInverseNormal) {
+        model.predictandPath = reader.readPredictandPath();
+    }
+    return model;
+}
+
+} // namespace varo::weathergen

@@ -1,0 +1,336 @@
+#include "core/failure.hpp"
+#include "weathergen/daily_synthesis.hpp"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <random>
+
+using namespace varo;
+using weathergen::DailySynthesis;
+using weathergen::ReferenceSample;
+using weathergen::SynthesisModel;
+using weathergen::SynthesisSettings;
+
+namespace {
+
+// One predictor, no lag; the same rows in every month unless a test changes them.
+SynthesisModel model(bool conditional, int transform, std::vector<double> occurrence,
+                     std::vector<double> amount = {}) {
+    SynthesisModel m;
+    m.header.predictorCount = 1;
+    m.header.conditional = conditional;
+    m.header.transformCode = transform;
+    for (auto& month : m.months) {
+        month.occurrence = occurrence;
+        month.amount = amount;
+    }
+    return m;
+}
+
+SynthesisSettings noiseFree() {
+    SynthesisSettings s;
+    s.precN = 0;
+    s.conditionalSelection = 2;
+    return s;
+}
+
+// One member's value for one day with predictor value x.
+double oneDay(const SynthesisModel& m, const SynthesisSettings& s, double x,
+              const ReferenceSample* sample = nullptr) {
+    core::UniformRandom random;
+    DailySynthesis synthesis(m, s, 1, random, sample);
+    double value = 0.0;
+    synthesis.synthesizeDay(1, &x, &value);
+    return value;
+}
+
+double floorAbove(float thresh) {
+    return static_cast<double>(thresh) + 0.001;
+}
+
+} // namespace
+
+TEST(Noise, IsTheSinglePrecisionSumOfPrecNUniformsLessHalfPrecNTimesTheError) {
+    // Intercept 0, coefficient 0, standard error 2: the values are the noise itself.
+    const SynthesisModel m = model(false, 1, {0.0, 0.0, 2.0, 0.0});
+    SynthesisSettings s = noiseFree();
+    s.precN = 3;
+    core::UniformRandom random;
+    DailySynthesis synthesis(m, s, 2, random);
+    double values[2];
+    const double x = 0.0;
+    synthesis.synthesizeDay(1, &x, values);
+
+    core::UniformRandom expected;
+    for (double value : values) {
+        float sum = 0.0f;
+        for (int i = 0; i < 3; ++i) {
+            sum += expected.next();
+        }
+        EXPECT_EQ(value, (static_cast<double>(sum) - 1.5) * 2.0);
+    }
+}
+
+TEST(Noise, EnsembleSpreadMatchesTheStandardErrorOnlyForTwelveUniforms) {
+    // 100 members over 2,000 days: 200,000 values. The standard deviation of the
+    // ensemble's values about the regression must lie within 1% of the standard error
+    // times sqrt(PrecN / 12), and the mean within 0.02 of the regression (its own standard
+    // error is 2.5 / sqrt(200,000) = 0.0056 at PrecN 12). The stream is fixed, so the
+    // test is repeatable; the tolerances are more than four standard errors wide.
+    const SynthesisModel m = model(false, 1, {10.0, 0.0, 2.5, 0.0});
+    for (const int precN : {12, 3}) {
+        SynthesisSettings s = noiseFree();
+        s.precN = precN;
+        core::UniformRandom random;
+        DailySynthesis synthesis(m, s, 100, random);
+        double values[100];
+        double sum = 0.0;
+        double sumSquares = 0.0;
+        const double x = 1.0;
+        const int days = 2000;
+        for (int day = 0; day < days; ++day) {
+            synthesis.synthesizeDay(1 + day % 12, &x, values);
+            for (double value : values) {
+                sum += value - 10.0;
+                sumSquares += (value - 10.0) * (value - 10.0);
+            }
+        }
+        const double n = 100.0 * days;
+        const double mean = sum / n;
+        const double sd = std::sqrt(sumSquares / n - mean * mean);
+        const double wanted = 2.5 * std::sqrt(precN / 12.0);
+        EXPECT_NEAR(mean, 0.0, 0.02) << precN;
+        EXPECT_NEAR(sd / wanted, 1.0, 0.01) << precN;
+    }
+}
+
+TEST(FirstStage, LaggedValuesStartFromTheInterceptOfTheFirstMonth) {
+    SynthesisModel m = model(false, 1, {}, {});
+    m.header.autoRegressive = true;
+    for (int month = 1; month <= 12; ++month) {
+        // intercept, coefficient, lag coefficient, standard error, R squared
+        m.months[month - 1].occurrence = {month * 1.0, 1.0, 0.5, 0.0, 0.0};
+    }
+    core::UniformRandom random;
+    DailySynthesis synthesis(m, noiseFree(), 3, random);
+    synthesis.startLaggedValues(3);
+    for (int member = 1; member <= 3; ++member) {
+        EXPECT_EQ(synthesis.laggedValue(member), 3.0);
+    }
+    double values[3];
+    const double x = 2.0;
+    synthesis.synthesizeDay(4, &x, values);
+    EXPECT_EQ(values[0], 4.0 + 2.0 + 0.5 * 3.0);
+    synthesis.synthesizeDay(4, &x, values);
+    EXPECT_EQ(values[2], 4.0 + 2.0 + 0.5 * 7.5);
+}
+
+TEST(FirstStage, NegativeValuesAreCutToZeroOnlyWhenAllowNegIsOff) {
+    const SynthesisModel m = model(false, 1, {-1.0, 0.5, 0.0, 0.0});
+    SynthesisSettings s = noiseFree();
+    EXPECT_EQ(oneDay(m, s, 1.0), -0.5);
+    s.allowNeg = false;
+    EXPECT_EQ(oneDay(m, s, 1.0), 0.0);
+}
+
+TEST(MissingDays, WriteTheCodeEverywhereDrawNothingAndKeepTheLags) {
+    SynthesisModel m = model(false, 1, {1.0, 1.0, 0.0, 3.0, 0.0});
+    m.header.autoRegressive = true;
+    for (auto& month : m.months) {
+        month.occurrence = {1.0, 1.0, 0.5, 3.0, 0.0};
+    }
+    SynthesisSettings s;
+    s.missingCode = -99.0;
+    core::UniformRandom random;
+    DailySynthesis synthesis(m, s, 4, random);
+    synthesis.startLaggedValues(1);
+    double first[4];
+    const double x = 2.0;
+    synthesis.synthesizeDay(1, &x, first);
+    double missing[4];
+    const double code = -99.0;
+    synthesis.synthesizeDay(1, &code, missing);
+    for (int member = 0; member < 4; ++member) {
+        EXPECT_EQ(missing[member], -99.0);
+        EXPECT_EQ(synthesis.laggedValue(member + 1), first[member]);
+    }
+    double after[4];
+    synthesis.synthesizeDay(1, &x, after);
+
+    // The same two days without the missing one between them.
+    core::UniformRandom again;
+    DailySynthesis without(m, s, 4, again);
+    without.startLaggedValues(1);
+    double values[4];
+    without.synthesizeDay(1, &x, values);
+    without.synthesizeDay(1, &x, values);
+    for (int member = 0; member < 4; ++member) {
+        EXPECT_EQ(after[member], values[member]);
+    }
+}
+
+TEST(Occurrence, FixedThresholdCountsAProbabilityEqualToItAsWet) {
+    // Amount: intercept 5 and scale 1, so a wet day shows 5.
+    const std::vector<double> amount = {5.0, 1.0, 0.0, 0.0, 0.0};
+    SynthesisSettings s = noiseFree();
+    s.conditionalThresh = 0.5f;
+    EXPECT_EQ(oneDay(model(true, 1, {0.5, 0.0, 0.0, 0.0}, amount), s, 0.0), 5.0);
+    EXPECT_EQ(oneDay(model(true, 1, {0.4999999, 0.0, 0.0, 0.0}, amount), s, 0.0), 0.0);
+}
+
+TEST(Occurrence, StochasticDecisionComparesInSinglePrecision) {
+    const std::vector<double> amount = {5.0, 1.0, 0.0, 0.0, 0.0};
+    SynthesisSettings s = noiseFree();
+    s.conditionalSelection = 1;
+    // A probability of 1 is always wet (u < 1), one below 0 never is.
+    for (const double probability : {1.0, -0.25}) {
+        core::UniformRandom random;
+        const SynthesisModel m = model(true, 1, {probability, 0.0, 0.0, 0.0}, amount);
+        DailySynthesis synthesis(m, s, 100, random);
+        double values[100];
+        const double x = 0.0;
+        synthesis.synthesizeDay(1, &x, values);
+        EXPECT_EQ(std::count(values, values + 100, 5.0), probability > 0 ? 100 : 0);
+    }
+    // With probability p the share of wet members is p.
+    core::UniformRandom random;
+    const SynthesisModel m = model(true, 1, {0.3, 0.0, 0.0, 0.0}, amount);
+    DailySynthesis synthesis(m, s, 100, random);
+    double values[100];
+    long wet = 0;
+    const double x = 0.0;
+    for (int day = 0; day < 200; ++day) {
+        synthesis.synthesizeDay(1, &x, values);
+        wet += std::count(values, values + 100, 5.0);
+    }
+    EXPECT_NEAR(wet / 20000.0, 0.3, 0.015);
+}
+
+TEST(Amounts, AtOrBelowTheThresholdBecomeJustAboveItWhateverAllowNegSays) {
+    SynthesisSettings s = noiseFree();
+    s.thresh = 0.3f;
+    s.allowNeg = false;
+    const auto wetAmount = [&](double intercept) {
+        return oneDay(model(true, 1, {1.0, 0.0, 0.0, 0.0}, {intercept, 1.0, 0.0, 0.0, 0.0}), s,
+                      0.0);
+    };
+    EXPECT_EQ(wetAmount(0.3), floorAbove(0.3f)); // equal in single precision
+    EXPECT_EQ(wetAmount(-4.0), floorAbove(0.3f));
+    EXPECT_EQ(wetAmount(0.3000001), 0.3000001);
+    s.thresh = 0.0f;
+    EXPECT_EQ(wetAmount(0.0), floorAbove(0.0f));
+}
+
+TEST(Amounts, TransformationsBackFromTheModelScaleWithBias) {
+    SynthesisSettings s = noiseFree();
+    s.biasCorrection = 0.5f;
+    const std::vector<double> wet = {1.0, 0.0, 0.0, 0.0};
+    // y = scale * (intercept + coefficient * x) = 2 * (-1 + 0.5 * 1) = -1
+    const std::vector<double> amount = {-1.0, 2.0, 0.5, 0.0, 0.0};
+    EXPECT_EQ(oneDay(model(true, weathergen::TransformFourthRoot, wet, amount), s, 1.0), 0.5);
+    EXPECT_EQ(oneDay(model(true, weathergen::TransformLog, wet, amount), s, 1.0),
+              0.5 * std::exp(-1.0));
+    // x = 3: y = 2 * 0.5 = 1; none keeps 0.5 * 1
+    EXPECT_EQ(oneDay(model(true, weathergen::TransformNone, wet, amount), s, 3.0), 0.5);
+    // x = -5: y = -7; the fourth power is positive
+    EXPECT_EQ(oneDay(model(true, weathergen::TransformFourthRoot, wet, amount), s, -5.0),
+              0.5 * 2401.0);
+}
+
+TEST(Amounts, BoxCoxInvertsWithTheShiftAndGivesTheMissingCodeForANonPositiveArgument) {
+    SynthesisModel m =
+        model(true, weathergen::TransformBoxCox, {1.0, 0.0, 0.0, 0.0}, {0.0, 1.0, 1.0, 0.0, 0.0});
+    SynthesisSettings s = noiseFree();
+    s.biasCorrection = 2.0f;
+    for (auto& month : m.months) {
+        month.lamda = 0.5;
+        month.shift = 1.0;
+    }
+    // y = 3: t = (3 + 1) * 0.5 + 1 = 3, t^(1/0.5) = 9, (9 - 1) * 2 = 16
+    EXPECT_DOUBLE_EQ(oneDay(m, s, 3.0), 16.0);
+    // y = -3: t = (-3 + 1) * 0.5 + 1 = 0, not positive: the missing code, not the floor
+    EXPECT_EQ(oneDay(m, s, -3.0), s.missingCode);
+    for (auto& month : m.months) {
+        month.lamda = 0.0;
+    }
+    // lamda 0: exp(y + shift) - shift
+    EXPECT_DOUBLE_EQ(oneDay(m, s, 1.0), (std::exp(2.0) - 1.0) * 2.0);
+
+    // With noise, only the members whose argument falls below zero are missing.
+    for (auto& month : m.months) {
+        month.lamda = 1.0;
+        month.shift = 0.0;
+        month.amount = {0.0, 1.0, 1.0, 3.0, 0.0};
+    }
+    s.precN = 12;
+    core::UniformRandom random;
+    DailySynthesis synthesis(m, s, 100, random);
+    double values[100];
+    const double x = 0.0;
+    synthesis.synthesizeDay(1, &x, values);
+    const auto missing = std::count(values, values + 100, s.missingCode);
+    EXPECT_GT(missing, 10);
+    EXPECT_LT(missing, 90);
+    EXPECT_TRUE(
+        std::all_of(values, values + 100, [&](double v) { return v == s.missingCode || v > 0.0; }));
+}
+
+TEST(Amounts, OverflowIsAFailure) {
+    const SynthesisModel m =
+        model(true, weathergen::TransformLog, {1.0, 0.0, 0.0, 0.0}, {0.0, 1.0, 1.0, 0.0, 0.0});
+    try {
+        oneDay(m, noiseFree(), 1000.0);
+        FAIL();
+    } catch (const core::Failure& failure) {
+        EXPECT_EQ(failure.number(), core::failure::OverflowOccurred);
+        EXPECT_NE(failure.description().find("member 1"), std::string::npos);
+    }
+}
+
+TEST(ReferenceSample, ShellSortSortsAscending) {
+    std::mt19937 engine(7);
+    std::uniform_int_distribution<int> pick(-20, 20);
+    for (const int n : {0, 1, 2, 3, 17, 1000}) {
+        std::vector<double> values(static_cast<size_t>(n) + 1, 0.0);
+        for (int i = 1; i <= n; ++i) {
+            values[static_cast<size_t>(i)] = pick(engine) * 0.5;
+        }
+        std::vector<double> expected = values;
+        std::sort(expected.begin() + 1, expected.end());
+        weathergen::shellSortOneBased(values);
+        EXPECT_EQ(values, expected) << n;
+    }
+}
+
+TEST(ReferenceSample, LowerScoreBoundFollowsTheNormalTail) {
+    // Quantiles from tests/data/weathergen/normal_quantiles.py: the walk stops within one
+    // step of 0.0001 below each.
+    const std::pair<long, double> quantiles[] = {
+        {10, -1.335177736}, {100, -2.330078923}, {1000, -3.090529138}, {15000, -3.820235256}};
+    for (const auto& [wetCount, quantile] : quantiles) {
+        const double zMin = weathergen::findZMin(1.0 / static_cast<double>(wetCount + 1));
+        EXPECT_LE(zMin, quantile + 1e-6) << wetCount;
+        EXPECT_GT(zMin, quantile - 0.0001 - 1e-6) << wetCount;
+    }
+    // The walk gives up after 50,000 steps.
+    EXPECT_NEAR(weathergen::findZMin(1e-9), -5.0, 1e-9);
+}
+
+TEST(ReferenceSample, ScoresMapOntoTheWetValuesAndNeverBeyondTheLargest) {
+    // Missing codes and dry days sort below the wet values; a value equal to the
+    // threshold is dry.
+    std::vector<double> values = {7, 0.1, 3, -999, 11, 1, 0, 9, 5, 2, 0.1, 4, 8, 10, 6, 0};
+    ReferenceSample sample(values, 0.1f);
+    EXPECT_EQ(sample.firstWet(), 6);
+    EXPECT_EQ(sample.wetCount(), 11);
+    EXPECT_EQ(sample.amountForScore(sample.zMin()), 1.0);
+    EXPECT_EQ(sample.amountForScore(-40.0), 1.0);
+    // Score 0 leaves half of the span: rank floor(11 / 2) above the first wet value.
+    EXPECT_EQ(sample.amountForScore(0.0), 6.0);
+    EXPECT_EQ(sample.amountForScore(0.8), 10.0);
+    for (const double z : {3.0, 50.0, 1e300, HUGE_VAL}) {
+        EXPECT_EQ(sample.amountForScore(z), 11.0) << z;
+    }
+}

@@ -1,0 +1,120 @@
+#include "core/failure.hpp"
+#include "support/temp_dir.hpp"
+#include "weathergen/synthesis_model.hpp"
+
+#include <gtest/gtest.h>
+
+using namespace varo;
+using varo::testing::readFile;
+using varo::testing::TempDir;
+
+namespace {
+
+const std::string Data = std::string(VARO_TEST_DATA) + "/weathergen";
+
+// Header of a conditional Box-Cox model with one predictor; rows follow.
+std::string header(const std::string& autoRegression = "False\r\n") {
+    return " 1 \r\n 12 \r\n 366 \r\n01/01/1961\r\n 10957 \r\n01/01/1961\r\n 3650 \r\n"
+           "#TRUE#\r\n5\r\n 1 \r\n" +
+           autoRegression + "rain.dat\r\nmslp.dat\r\n";
+}
+
+std::string repeat(const std::string& line, int times) {
+    std::string text;
+    for (int i = 0; i < times; ++i) {
+        text += line;
+    }
+    return text;
+}
+
+// occurrence: intercept, coefficient, standard error, R squared, then lamda and shift
+const std::string OccurrenceRow =
+    "0.500         -123456789.0000.000         0.300         0.250         1.500\r\n";
+const std::string AmountRow =
+    "0.100         1.000         2.000         0.700         0.400         \r\n";
+
+void expectFailure(const std::string& path, int number, const std::string& part) {
+    try {
+        weathergen::readSynthesisModel(path);
+        ADD_FAILURE() << "no failure";
+    } catch (const core::Failure& failure) {
+        EXPECT_EQ(failure.number(), number) << failure.description();
+        EXPECT_NE(failure.description().find(part), std::string::npos) << failure.description();
+    }
+}
+
+} // namespace
+
+TEST(ParameterReading, RowsAreTakenByFourteenCharacterColumnsNotByBlanks) {
+    TempDir dir;
+    const auto path =
+        dir.write("m.PAR", header() + repeat(OccurrenceRow, 12) + repeat(AmountRow, 12));
+    const auto model = weathergen::readSynthesisModel(path);
+    const auto& march = model.month(3);
+    // The coefficient fills its whole column, so the standard error touches it.
+    EXPECT_EQ(march.occurrence, (std::vector<double>{0.5, -123456789.0, 0.0, 0.3}));
+    EXPECT_EQ(march.lamda, 0.25);
+    EXPECT_EQ(march.shift, 1.5);
+    EXPECT_EQ(march.amount, (std::vector<double>{0.1, 1.0, 2.0, 0.7, 0.4}));
+    EXPECT_TRUE(model.header.conditional);
+    EXPECT_FALSE(model.header.autoRegressive);
+    EXPECT_TRUE(model.header.hasAutoRegressionLine);
+    EXPECT_EQ(model.header.predictorNames, std::vector<std::string>{"mslp.dat"});
+    EXPECT_TRUE(model.predictandPath.empty()); // read for the inverse normal only
+}
+
+TEST(ParameterReading, HeaderOfBothFormsFromTheReferenceFiles) {
+    const auto current = weathergen::readSynthesisModel(Data + "/reg.PAR");
+    EXPECT_EQ(current.header.predictorCount, 2);
+    EXPECT_EQ(current.header.recordStartText, "01/01/1960");
+    EXPECT_EQ(current.header.recordLength, 10000);
+    EXPECT_EQ(current.header.fitLength, 3650);
+    EXPECT_TRUE(current.header.autoRegressive);
+    EXPECT_EQ(current.header.occurrenceColumns(), 6);
+    EXPECT_EQ(current.month(12).occurrence[0], 0.8);
+    EXPECT_EQ(current.header.predictandName, "obs.dat");
+
+    // The older form has no autoregression line: the predictand's name stands there.
+    const auto older = weathergen::readSynthesisModel(Data + "/stochastic.PAR");
+    EXPECT_FALSE(older.header.hasAutoRegressionLine);
+    EXPECT_FALSE(older.header.autoRegressive);
+    EXPECT_EQ(older.header.predictandName, "rain.dat");
+    EXPECT_EQ(older.header.predictorNames.size(), 3u);
+    EXPECT_EQ(older.header.transformCode, weathergen::TransformBoxCox);
+    EXPECT_EQ(older.month(2).lamda, 0.0);
+    EXPECT_EQ(older.month(3).lamda, 0.25);
+    EXPECT_EQ(older.month(3).shift, 0.3);
+}
+
+TEST(ParameterReading, BadFilesNameTheFileLineAndValue) {
+    TempDir dir;
+    const std::string rows = repeat(OccurrenceRow, 12) + repeat(AmountRow, 12);
+    expectFailure(dir.path("none.PAR"), core::failure::FileNotFound, "none.PAR");
+    expectFailure(dir.write("a.PAR", " 1 \r\n 12 \r\n"), core::failure::InputPastEnd,
+                  "ends after line 2");
+    expectFailure(dir.write("b.PAR", header() + repeat(OccurrenceRow, 12) + repeat(AmountRow, 3)),
+                  core::failure::InputPastEnd, "ends after line 28");
+    std::string text = header() + rows;
+    expectFailure(dir.write("c.PAR", "two\r\n" + text.substr(5)), core::failure::TypeMismatch,
+                  "'two' on line 1");
+    expectFailure(dir.write("d.PAR", " 31 \r\n" + text.substr(5)), core::failure::TypeMismatch,
+                  "'31' on line 1");
+    std::string badFlag = text;
+    badFlag.replace(badFlag.find("#TRUE#"), 6, "TRUE");
+    expectFailure(dir.write("e.PAR", badFlag), core::failure::TypeMismatch,
+                  "'TRUE' on line 8 of '" + dir.path("e.PAR") + "'");
+    std::string badCode = text;
+    badCode.replace(badCode.find("\r\n5\r\n"), 5, "\r\n6\r\n");
+    expectFailure(dir.write("f.PAR", badCode), core::failure::TypeMismatch, "'6' on line 9");
+    std::string badDate = text;
+    badDate.replace(badDate.find("01/01/1961"), 10, "1961-01-01");
+    expectFailure(dir.write("g.PAR", badDate), core::failure::TypeMismatch,
+                  "'1961-01-01' on line 4");
+    std::string badField = text;
+    badField.replace(badField.find("0.300"), 5, "0.3x0");
+    expectFailure(dir.write("h.PAR", badField), core::failure::TypeMismatch,
+                  "Column 4 (characters 43 to 56) of line 14");
+    const std::string shortRow = "0.500         1.000         \r\n";
+    expectFailure(dir.write("i.PAR", header() + shortRow + rows), core::failure::TypeMismatch,
+                  "holds '', not a number; the row needs 6 values");
+}
