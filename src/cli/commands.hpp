@@ -14,10 +14,12 @@ struct CommandResult {
 
 void addSettingsCommand(CLI::App& app, CliContext& context, CommandResult& result);
 void addQcCommand(CLI::App& app, CliContext& context, CommandResult& result);
+void addGenerateCommand(CLI::App& app, CliContext& context, CommandResult& result);
 
 inline void addCommands(CLI::App& app, CliContext& context, CommandResult& result) {
     addSettingsCommand(app, context, result);
     addQcCommand(app, context, result);
+    addGenerateCommand(app, context, result);
 }
 
 } // namespace varo::cli

@@ -22,8 +22,6 @@
 
 namespace varo::weathergen {
 
-inline constexpr int MaxEnsembleSize = 100;
-
 // The settings a synthesis reads.
 struct SynthesisSettings {
     int precN = 12;

@@ -21,8 +21,9 @@
 
 namespace varo::weathergen {
 
-// The most predictors a model may name.
+// The most predictors a model may name, and the largest ensemble a run makes.
 inline constexpr int MaxPredictors = 30;
+inline constexpr int MaxEnsembleSize = 100;
 
 // Model transformation codes of the amount model.
 enum TransformCode : int {

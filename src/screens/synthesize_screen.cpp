@@ -1,0 +1,235 @@
+#include "screens/synthesize_screen.hpp"
+
+#include "core/dates.hpp"
+#include "core/numeric_text.hpp"
+#include "core/series_file.hpp"
+#include "weathergen/simulation_files.hpp"
+#include "weathergen/synthesis_driver.hpp"
+#include "weathergen/synthesis_model.hpp"
+
+namespace varo::screens {
+
+namespace {
+constexpr std::string_view WarningTitle = "Warning";
+} // namespace
+
+SynthesizeScreen::SynthesizeScreen(core::ProgramState& state) : state_(state) {
+    reset();
+}
+
+void SynthesizeScreen::chooseParFile(const std::string& path) {
+    parFilePath = path;
+    parFileText = core::bareFileName(path);
+}
+
+void SynthesizeScreen::chooseOutFile(const std::string& path) {
+    outFilePath = path;
+    outFileText = core::bareFileName(path);
+}
+
+void SynthesizeScreen::setPredictorFolder(const std::string& folder) {
+    predictorFolder = folder;
+}
+
+void SynthesizeScreen::pickParFile(Dialogs& dialogs) {
+    if (const auto path = dialogs.pickOpenFile(ParFilter, state_.defaultDir)) {
+        chooseParFile(*path);
+    }
+}
+
+void SynthesizeScreen::pickOutFile(Dialogs& dialogs) {
+    if (const auto path = dialogs.pickSaveFile(OutFilter, state_.defaultDir, "OUT")) {
+        chooseOutFile(*path);
+    }
+}
+
+void SynthesizeScreen::pickPredictorFolder(Dialogs& dialogs) {
+    if (const auto folder = dialogs.pickFolder(predictorFolder)) {
+        setPredictorFolder(*folder);
+    }
+}
+
+void SynthesizeScreen::reset() {
+    cleanup();
+    parFileText = NotSelected;
+    parFilePath.clear();
+    outFileText = NotSelected;
+    outFilePath.clear();
+    noOfPredText = "0";
+    rStartText = Unknown;
+    rLengthText = Unknown;
+    fStartText = state_.globalSDate;
+    fLengthText = DefaultLength;
+    eSize = DefaultEnsemble;
+    predictorFolder = state_.defaultDir;
+    predictorList.clear();
+    autoRegressLabel = UnknownLabel;
+    processLabel = UnknownLabel;
+}
+
+void SynthesizeScreen::refreshGlobals() {
+    fStartText = state_.globalSDate;
+}
+
+void SynthesizeScreen::cleanup() {
+    state_.stopRequested.clear();
+}
+
+bool SynthesizeScreen::checkParameterFile(Dialogs& dialogs) {
+    if (parFilePath.empty()) {
+        dialogs.error("You must select a parameter file first.");
+        return false;
+    }
+    if (parFilePath.size() < 5) {
+        dialogs.error("You must select an appropriate parameter file.");
+        return false;
+    }
+    const std::string_view extension = std::string_view(parFilePath).substr(parFilePath.size() - 4);
+    if (extension != ".PAR" && extension != ".par") {
+        dialogs.error("You must select a .PAR file.");
+        return false;
+    }
+    return true;
+}
+
+void SynthesizeScreen::showHeader(const weathergen::ParameterHeader& header, bool forRun) {
+    noOfPredText = std::to_string(header.predictorCount);
+    rStartText = header.recordStartText;
+    rLengthText = std::to_string(header.recordLength);
+    processLabel = header.conditional ? "Conditional" : "Unconditional";
+    // A file of the older form leaves the label as it was, until a run reads it as False.
+    if (header.hasAutoRegressionLine || forRun) {
+        autoRegressLabel = header.autoRegressive ? "True" : "False";
+    }
+    predictorList.clear();
+    predictorList.push_back(header.predictandName);
+    predictorList.insert(predictorList.end(), header.predictorNames.begin(),
+                         header.predictorNames.end());
+}
+
+RunOutcome SynthesizeScreen::viewDetails(Dialogs& dialogs) {
+    if (!checkParameterFile(dialogs)) {
+        return RunOutcome::Refused;
+    }
+    predictorList.clear();
+    return guardedRun(
+        dialogs,
+        [&] {
+            weathergen::ParameterFileReader reader(parFilePath);
+            const weathergen::ParameterHeader header = reader.readHeader();
+            showHeader(header, false);
+            fStartText = header.fitStartText;
+            fLengthText = std::to_string(header.fitLength);
+            return RunOutcome::Done;
+        },
+        [&] { cleanup(); });
+}
+
+bool SynthesizeScreen::checkEnsembleSize(Dialogs& dialogs) {
+    if (!core::isNumeric(eSize)) {
+        dialogs.error("Ensemble Size must be a value between 1 and 100.");
+        eSize = DefaultEnsemble;
+        return false;
+    }
+    const double size = core::leadingNumber(eSize);
+    if (size > weathergen::MaxEnsembleSize || size < 1) {
+        dialogs.error("Ensemble Size must be between 1 and 100.");
+        eSize = DefaultEnsemble;
+        return false;
+    }
+    eSize = std::to_string(core::roundHalfEven(size));
+    return true;
+}
+
+bool SynthesizeScreen::checkFitStart(Dialogs& dialogs) {
+    const auto fitStart = core::parseDate(fStartText);
+    if (!fitStart) {
+        dialogs.error("Fit start date is invalid - it must be in the format dd/mm/yyyy.");
+        fStartText = state_.globalSDate;
+        return false;
+    }
+    const auto recordStart = core::parseDate(rStartText);
+    if (!recordStart) {
+        dialogs.message(WarningTitle,
+                        "Please check that fit start date is later than record start date.",
+                        Icon::Warning);
+        return false;
+    }
+    if (core::dayDifference(*recordStart, *fitStart) < 0) {
+        dialogs.message(WarningTitle, "Fit start date should be later than record start date.",
+                        Icon::Warning);
+        fStartText = rStartText;
+        return false;
+    }
+    return true;
+}
+
+bool SynthesizeScreen::checkFitLength(Dialogs& dialogs) {
+    if (!core::isNumeric(fLengthText)) {
+        dialogs.error("Fit length is invalid - it must be a numeric.");
+        fLengthText = DefaultLength;
+        return false;
+    }
+    if (!core::isNumeric(rLengthText)) {
+        dialogs.message(WarningTitle, "Please check that fit length is shorter than record length.",
+                        Icon::Warning);
+        return false;
+    }
+    const double length = core::leadingNumber(fLengthText);
+    if (length > core::leadingNumber(rLengthText)) {
+        dialogs.message(WarningTitle, "Fit length should be shorter than record length.",
+                        Icon::Warning);
+        fLengthText = rLengthText;
+        return false;
+    }
+    // A run of no days would leave a description of nothing; refused like a bad number.
+    if (core::roundHalfEven(length) < 1) {
+        dialogs.error("Fit length must be at least one day.");
+        fLengthText = DefaultLength;
+        return false;
+    }
+    fLengthText = std::to_string(core::roundHalfEven(length));
+    return true;
+}
+
+bool SynthesizeScreen::checkOutputFile(Dialogs& dialogs) {
+    if (outFilePath.empty()) {
+        dialogs.error("You must select a suitable output file to save to.");
+        return false;
+    }
+    // The description file takes the output's name with its last three characters
+    // replaced by SIM; an output named so would be overwritten by it.
+    if (weathergen::simPathFor(outFilePath) == outFilePath) {
+        dialogs.error("The output file's name must not end in SIM: the description file "
+                      "beside it takes that name.");
+        return false;
+    }
+    return true;
+}
+
+RunOutcome SynthesizeScreen::synthesize(Dialogs& dialogs, core::Progress& progress) {
+    if (!checkEnsembleSize(dialogs) || !checkFitStart(dialogs) || !checkFitLength(dialogs) ||
+        !checkOutputFile(dialogs) || !checkParameterFile(dialogs)) {
+        return RunOutcome::Refused;
+    }
+    weathergen::SynthesisRequest request;
+    request.parameterPath = parFilePath;
+    request.predictorFolder = predictorFolder;
+    request.outPath = outFilePath;
+    request.start = *core::parseDate(fStartText);
+    request.days = static_cast<long>(core::leadingNumber(fLengthText));
+    request.ensembleSize = static_cast<int>(core::leadingNumber(eSize));
+    return guardedRun(
+        dialogs,
+        [&] {
+            weathergen::synthesize(
+                request, state_, progress,
+                [&](const weathergen::ParameterHeader& header) { showHeader(header, true); });
+            dialogs.message("Results", "Synthesis completed.", Icon::Information);
+            cleanup();
+            return RunOutcome::Done;
+        },
+        [&] { cleanup(); });
+}
+
+} // namespace varo::screens

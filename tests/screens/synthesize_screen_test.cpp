@@ -1,0 +1,243 @@
+#include "core/failure.hpp"
+#include "screens/synthesize_screen.hpp"
+#include "support/scripted_dialogs.hpp"
+#include "support/temp_dir.hpp"
+
+#include <gtest/gtest.h>
+
+#include <regex>
+
+using namespace varo;
+using screens::RunOutcome;
+using varo::testing::fileExists;
+using varo::testing::readFile;
+using varo::testing::ScriptedDialogs;
+using varo::testing::TempDir;
+
+namespace {
+
+const std::string Data = std::string(VARO_TEST_DATA) + "/weathergen";
+
+// Stops the run after a number of progress reports.
+class StopAfter final : public core::Progress {
+public:
+    explicit StopAfter(int reports) : left_(reports) {}
+    void report(long, long, std::string_view) override { --left_; }
+    bool stopRequested() override { return left_ <= 0; }
+
+private:
+    int left_;
+};
+
+struct SynthesizeFixture : ::testing::Test {
+    core::ProgramState state;
+    ScriptedDialogs dialogs;
+    core::NullProgress progress;
+    TempDir dir;
+    SynthesizeFixture() {
+        core::initialiseState(state);
+        state.randomSeed = false;
+        state.defaultDir = dir.folder();
+    }
+
+    // A screen with reg.PAR's details shown, ready to run 10 days from 27/02/1960.
+    screens::SynthesizeScreen readyScreen() {
+        screens::SynthesizeScreen screen(state);
+        screen.chooseParFile(Data + "/reg.PAR");
+        screen.setPredictorFolder(Data);
+        screen.chooseOutFile(dir.path("run.OUT"));
+        EXPECT_EQ(screen.viewDetails(dialogs), RunOutcome::Done);
+        screen.fStartText = "27/02/1960";
+        screen.fLengthText = "10";
+        return screen;
+    }
+
+    // Runs and expects one refusal with the given title and text.
+    void expectRefused(screens::SynthesizeScreen& screen, const std::string& title,
+                       const std::string& text) {
+        dialogs.messages.clear();
+        EXPECT_EQ(screen.synthesize(dialogs, progress), RunOutcome::Refused);
+        ASSERT_EQ(dialogs.messages.size(), 1u) << text;
+        EXPECT_EQ(dialogs.messages[0].title, title);
+        EXPECT_EQ(dialogs.messages[0].text, text);
+        EXPECT_FALSE(fileExists(dir.path("run.OUT")));
+    }
+};
+
+} // namespace
+
+TEST_F(SynthesizeFixture, ParameterFileCheckRunsInOrder) {
+    screens::SynthesizeScreen screen(state);
+    const auto errorFor = [&](const std::string& path) {
+        screen.chooseParFile(path);
+        dialogs.messages.clear();
+        screen.checkParameterFile(dialogs);
+        return dialogs.lastText();
+    };
+    EXPECT_EQ(errorFor(""), "You must select a parameter file first.");
+    EXPECT_EQ(errorFor(".PAR"), "You must select an appropriate parameter file.");
+    EXPECT_EQ(errorFor("a.Par"), "You must select a .PAR file.");
+    EXPECT_EQ(errorFor("a.PAR"), "");
+    EXPECT_EQ(errorFor("a.par"), "");
+    // A path that passes the check but names no file fails while reading.
+    EXPECT_EQ(screen.viewDetails(dialogs), RunOutcome::Failed);
+    EXPECT_NE(dialogs.lastText().find("File not found."), std::string::npos);
+}
+
+TEST_F(SynthesizeFixture, ViewDetailsFillsTheScreenFromBothFileForms) {
+    screens::SynthesizeScreen screen(state);
+    dialogs.pickedFiles.push_back(Data + "/reg.PAR");
+    screen.pickParFile(dialogs);
+    EXPECT_EQ(screen.parFileText, "reg.PAR");
+    EXPECT_EQ(screen.viewDetails(dialogs), RunOutcome::Done);
+    EXPECT_EQ(screen.noOfPredText, "2");
+    EXPECT_EQ(screen.rStartText, "01/01/1960");
+    EXPECT_EQ(screen.rLengthText, "10000");
+    EXPECT_EQ(screen.fStartText, "01/01/1960");
+    EXPECT_EQ(screen.fLengthText, "3650");
+    EXPECT_EQ(screen.processLabel, "Unconditional");
+    EXPECT_EQ(screen.autoRegressLabel, "True");
+    EXPECT_EQ(screen.predictorList,
+              (std::vector<std::string>{"obs.dat", "reg_p1.dat", "reg_p2.dat"}));
+
+    screens::SynthesizeScreen older(state);
+    older.chooseParFile(Data + "/stochastic.PAR");
+    EXPECT_EQ(older.viewDetails(dialogs), RunOutcome::Done);
+    EXPECT_EQ(older.processLabel, "Conditional");
+    EXPECT_EQ(older.autoRegressLabel, "Unknown");
+    EXPECT_EQ(older.predictorList,
+              (std::vector<std::string>{"rain.dat", "st_p1.dat", "st_p2.dat", "st_p3.dat"}));
+    EXPECT_TRUE(dialogs.messages.empty());
+}
+
+TEST_F(SynthesizeFixture, EnsembleSizeIsCheckedFirstAndResetToTwenty) {
+    screens::SynthesizeScreen screen(state); // nothing chosen at all
+    screen.eSize = "";
+    expectRefused(screen, "Error Message", "Ensemble Size must be a value between 1 and 100.");
+    EXPECT_EQ(screen.eSize, "20");
+    for (const char* size : {"100.5", "0.9", "-3"}) {
+        screen.eSize = size;
+        expectRefused(screen, "Error Message", "Ensemble Size must be between 1 and 100.");
+        EXPECT_EQ(screen.eSize, "20");
+    }
+}
+
+TEST_F(SynthesizeFixture, FitPeriodNeedsTheRecordFieldsOfViewDetails) {
+    screens::SynthesizeScreen screen(state);
+    screen.fStartText = "31/02/1961";
+    expectRefused(screen, "Error Message",
+                  "Fit start date is invalid - it must be in the format dd/mm/yyyy.");
+    EXPECT_EQ(screen.fStartText, state.globalSDate);
+    expectRefused(screen, "Warning",
+                  "Please check that fit start date is later than record start date.");
+    screen.rStartText = "01/01/1960";
+    screen.fLengthText = "ten";
+    expectRefused(screen, "Error Message", "Fit length is invalid - it must be a numeric.");
+    EXPECT_EQ(screen.fLengthText, "365");
+    expectRefused(screen, "Warning", "Please check that fit length is shorter than record length.");
+}
+
+TEST_F(SynthesizeFixture, FitPeriodOutsideTheRecordTakesTheRecordValues) {
+    screens::SynthesizeScreen screen = readyScreen();
+    screen.fStartText = "31/12/1959";
+    expectRefused(screen, "Warning", "Fit start date should be later than record start date.");
+    EXPECT_EQ(screen.fStartText, "01/01/1960");
+    screen.fLengthText = "10000.5";
+    expectRefused(screen, "Warning", "Fit length should be shorter than record length.");
+    EXPECT_EQ(screen.fLengthText, "10000");
+    screen.fLengthText = "0.4";
+    expectRefused(screen, "Error Message", "Fit length must be at least one day.");
+    EXPECT_EQ(screen.fLengthText, "365");
+}
+
+TEST_F(SynthesizeFixture, OutputFileAndParameterFileAreCheckedLast) {
+    screens::SynthesizeScreen screen = readyScreen();
+    screen.fLengthText = "10000"; // equal to the record length passes
+    screen.outFilePath.clear();
+    expectRefused(screen, "Error Message", "You must select a suitable output file to save to.");
+    EXPECT_EQ(screen.fLengthText, "10000");
+    screen.chooseOutFile(dir.path("run.SIM"));
+    expectRefused(screen, "Error Message",
+                  "The output file's name must not end in SIM: the description file beside it "
+                  "takes that name.");
+    screen.chooseOutFile(dir.path("run.OUT"));
+    screen.chooseParFile(Data + "/reg.Par");
+    expectRefused(screen, "Error Message", "You must select a .PAR file.");
+}
+
+TEST_F(SynthesizeFixture, RunWritesBothFilesAndSaysSoUnderResults) {
+    state.precN = 0;
+    screens::SynthesizeScreen screen = readyScreen();
+    screen.fStartText = "27/2/1960";
+    screen.eSize = "2.6";
+    dialogs.messages.clear();
+    ASSERT_EQ(screen.synthesize(dialogs, progress), RunOutcome::Done) << dialogs.lastText();
+    ASSERT_EQ(dialogs.messages.size(), 1u);
+    EXPECT_EQ(dialogs.messages[0].title, "Results");
+    EXPECT_EQ(dialogs.messages[0].text, "Synthesis completed.");
+    EXPECT_EQ(screen.eSize, "3");
+    // The same first ten days as the reference run of 3 members, and its description.
+    const std::string reference = readFile(Data + "/reg.OUT");
+    EXPECT_EQ(readFile(dir.path("run.OUT")), reference.substr(0, 10 * 44));
+    EXPECT_EQ(readFile(dir.path("run.SIM")),
+              std::regex_replace(readFile(Data + "/reg.SIM"), std::regex(" 40 "), " 10 "));
+}
+
+TEST_F(SynthesizeFixture, EnsembleOfThreePointSixRunsFourMembers) {
+    screens::SynthesizeScreen screen = readyScreen();
+    screen.fStartText = "01/01/1960"; // the record start: nothing to skip, no warning
+    screen.eSize = "3.6";
+    dialogs.messages.clear();
+    ASSERT_EQ(screen.synthesize(dialogs, progress), RunOutcome::Done) << dialogs.lastText();
+    EXPECT_EQ(dialogs.messages.size(), 1u);
+    EXPECT_EQ(screen.eSize, "4");
+    const std::string out = readFile(dir.path("run.OUT"));
+    EXPECT_EQ(out.find("\r\n"), 4u * 14);
+    EXPECT_NE(readFile(dir.path("run.SIM")).find("\r\n 4 \r\n"), std::string::npos);
+}
+
+TEST_F(SynthesizeFixture, MissingPredictorFileIsNamedInTheFailureBox) {
+    screens::SynthesizeScreen screen = readyScreen();
+    screen.setPredictorFolder(dir.folder());
+    dir.write("reg_p1.dat", "1\r\n");
+    dialogs.messages.clear();
+    EXPECT_EQ(screen.synthesize(dialogs, progress), RunOutcome::Failed);
+    ASSERT_EQ(dialogs.errors().size(), 1u);
+    EXPECT_EQ(dialogs.errors()[0],
+              core::reportFailureText(core::failure::FileNotFound,
+                                      "reg_p2.dat.  Check Predictor Directory is set correctly "
+                                      "and/or file exists in archive."));
+    EXPECT_FALSE(fileExists(dir.path("run.SIM")));
+}
+
+TEST_F(SynthesizeFixture, CancelEndsSilentlyWithTheDaysWrittenAndAnEmptySim) {
+    screens::SynthesizeScreen screen = readyScreen();
+    state.stopRequested.request();
+    StopAfter stop(1 + 57 + 3); // the opening report, 57 skipped days, stop at the third day
+    dialogs.messages.clear();
+    EXPECT_EQ(screen.synthesize(dialogs, stop), RunOutcome::Cancelled);
+    EXPECT_TRUE(dialogs.messages.empty());
+    EXPECT_EQ(readFile(dir.path("run.OUT")).size(), 2u * (20 * 14 + 2)); // 20 members
+    EXPECT_EQ(readFile(dir.path("run.SIM")), "");
+    EXPECT_FALSE(state.stopRequested.checkStop());
+}
+
+TEST_F(SynthesizeFixture, ResetPutsEveryFieldBack) {
+    screens::SynthesizeScreen screen = readyScreen();
+    state.globalSDate = "01/01/1971";
+    screen.eSize = "7";
+    screen.reset();
+    EXPECT_EQ(screen.parFileText, "Not selected");
+    EXPECT_EQ(screen.outFileText, "Not selected");
+    EXPECT_TRUE(screen.parFilePath.empty());
+    EXPECT_EQ(screen.noOfPredText, "0");
+    EXPECT_EQ(screen.rStartText, "unknown");
+    EXPECT_EQ(screen.rLengthText, "unknown");
+    EXPECT_EQ(screen.fStartText, "01/01/1971");
+    EXPECT_EQ(screen.fLengthText, "365");
+    EXPECT_EQ(screen.eSize, "20");
+    EXPECT_EQ(screen.predictorFolder, dir.folder());
+    EXPECT_TRUE(screen.predictorList.empty());
+    EXPECT_EQ(screen.autoRegressLabel, "Unknown");
+    EXPECT_EQ(screen.processLabel, "Unknown");
+}
