@@ -1,0 +1,328 @@
+#include "calibration/regression.hpp"
+
+#include "calibration_test_support.hpp"
+#include "core/failure.hpp"
+
+#include <cmath>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <map>
+#include <sstream>
+
+using namespace varo::calibration;
+using varo::testing::CountingProgress;
+using varo::testing::readDesign;
+using varo::testing::RecordingNotifier;
+
+namespace {
+
+constexpr double Missing = -999.0;
+
+// The numbers of tests/data/calibration/regression/reference.txt, made by make_reference.py
+// there with numpy (least squares) and scipy's linprog (the least-absolute-deviations optimum).
+struct Reference {
+    int rows = 0;
+    int predictors = 0;
+    std::vector<double> ols;
+    double ladObjective = 0.0;
+};
+
+std::map<std::string, Reference> loadReference() {
+    std::ifstream in(std::string(VARO_TEST_DATA) + "/calibration/regression/reference.txt");
+    std::map<std::string, Reference> all;
+    std::string line;
+    Reference* current = nullptr;
+    while (std::getline(in, line)) {
+        std::istringstream words(line);
+        std::string head;
+        words >> head;
+        if (head == "ols") {
+            double b = 0;
+            while (words >> b) {
+                current->ols.push_back(b);
+            }
+        } else if (head == "lad_objective") {
+            words >> current->ladObjective;
+        } else {
+            current = &all[head];
+            words >> current->rows >> current->predictors;
+        }
+    }
+    return all;
+}
+
+varo::testing::Design problem(const std::string& name, const Reference& reference) {
+    return readDesign(std::string(VARO_TEST_DATA) + "/calibration/regression/" + name + ".dat",
+                      reference.rows, reference.predictors);
+}
+
+// Sum of absolute deviations of the centred problem for the given slopes.
+double centredObjective(const MatrixObject& x, const MatrixObject& y, const MatrixObject& beta) {
+    const int n = y.rows();
+    const int k = x.columns() - 1;
+    std::vector<double> xbar(static_cast<size_t>(k) + 1, 0.0);
+    for (int j = 1; j <= k; ++j) {
+        xbar[j] = x.columnSum(j) / n;
+    }
+    const double ybar = y.columnSum(0) / n;
+    double total = 0.0;
+    for (int r = 0; r < n; ++r) {
+        double fit = 0.0;
+        for (int j = 1; j <= k; ++j) {
+            fit += beta.getValue(j, 0) * (x.getValue(r, j) - xbar[j]);
+        }
+        total += std::fabs(y.getValue(r, 0) - ybar - fit);
+    }
+    return total;
+}
+
+struct Fixture {
+    CountingProgress progress;
+    RecordingNotifier notifier;
+    FitEnvironment environment{progress, notifier};
+};
+
+MatrixObject column(std::initializer_list<double> values) {
+    MatrixObject m(static_cast<int>(values.size()), 1);
+    int r = 0;
+    for (double v : values) {
+        m.setValue(r++, 0, v);
+    }
+    return m;
+}
+
+// A design of n rows: x1 a slow wave, x2 a fast one, y from both with a kink halfway so
+// that the halves of a Chow test differ.
+varo::testing::Design wavyDesign(int n) {
+    varo::testing::Design d{MatrixObject(n, 3), MatrixObject(n, 1)};
+    for (int r = 0; r < n; ++r) {
+        const double x1 = std::sin(r * 0.37) * 3.0;
+        const double x2 = std::cos(r * 1.91) + 0.1 * r;
+        d.x.setValue(r, 0, 1.0);
+        d.x.setValue(r, 1, x1);
+        d.x.setValue(r, 2, x2);
+        d.y.setValue(r, 0, 2.0 + 0.5 * x1 - x2 + (r >= n / 2 ? 1.5 * x1 : 0.0) + std::sin(r * 7.3));
+    }
+    return d;
+}
+
+} // namespace
+
+TEST(LeastSquares, CoefficientsMatchAnIndependentComputation) {
+    for (const auto& [name, reference] : loadReference()) {
+        SCOPED_TRACE(name);
+        auto design = problem(name, reference);
+        Fixture f;
+        const FitResult fit = fitModel(design.x, design.y, FitMethod::LeastSquares, f.environment);
+        ASSERT_EQ(fit.beta.rows(), reference.predictors + 1);
+        for (int j = 0; j <= reference.predictors; ++j) {
+            EXPECT_NEAR(fit.beta.getValue(j, 0), reference.ols[static_cast<size_t>(j)],
+                        1e-7 * (1.0 + std::fabs(reference.ols[static_cast<size_t>(j)])))
+                << "coefficient " << j;
+        }
+        EXPECT_EQ(f.progress.reports, 0); // least squares never yields
+    }
+}
+
+TEST(LeastAbsoluteDeviations, SlopesReachTheLinearProgrammingOptimum) {
+    for (const auto& [name, reference] : loadReference()) {
+        SCOPED_TRACE(name);
+        auto design = problem(name, reference);
+        Fixture f;
+        const FitResult fit =
+            fitModel(design.x, design.y, FitMethod::LeastAbsoluteDeviations, f.environment);
+        const double ours = centredObjective(design.x, design.y, fit.beta);
+        EXPECT_NEAR(ours, reference.ladObjective, 1e-7 * reference.ladObjective);
+        EXPECT_GT(f.progress.reports, reference.predictors); // one yield an iteration
+        EXPECT_TRUE(f.notifier.warnings.empty());
+        // The constant passes through the means: the fitted mean is the mean of Y.
+        EXPECT_NEAR(fit.fitted.columnSum(0) / reference.rows, fit.meanY, 1e-8);
+    }
+}
+
+TEST(LeastAbsoluteDeviations, DependencyWarningShowsOncePerRun) {
+    // x2 is exactly twice x1.
+    MatrixObject x(30, 3);
+    MatrixObject y(30, 1);
+    for (int r = 0; r < 30; ++r) {
+        x.setValue(r, 0, 1.0);
+        x.setValue(r, 1, r % 7);
+        x.setValue(r, 2, 2.0 * (r % 7));
+        y.setValue(r, 0, 3.0 + (r % 7) + ((r * 13) % 5) * 0.25);
+    }
+    Fixture f;
+    fitModel(x, y, FitMethod::LeastAbsoluteDeviations, f.environment);
+    fitModel(x, y, FitMethod::LeastAbsoluteDeviations, f.environment);
+    ASSERT_EQ(f.notifier.warnings.size(), 1u);
+    EXPECT_EQ(f.notifier.warnings[0], "Warning: Linear dependencies between predictors.");
+    EXPECT_TRUE(f.environment.dependencyWarned);
+    // Least squares refuses the same design as singular.
+    try {
+        fitModel(x, y, FitMethod::LeastSquares, f.environment);
+        FAIL();
+    } catch (const varo::core::Failure& failure) {
+        EXPECT_EQ(failure.number(), 1306);
+    }
+}
+
+TEST(LeastAbsoluteDeviations, CancelInsideTheSimplexStopsTheFit) {
+    const auto all = loadReference();
+    auto design = problem("small", all.at("small"));
+    CountingProgress progress(5);
+    RecordingNotifier notifier;
+    FitEnvironment environment{progress, notifier};
+    environment.setProgress(3, 12, "Calibrating Model");
+    EXPECT_THROW(fitModel(design.x, design.y, FitMethod::LeastAbsoluteDeviations, environment),
+                 varo::core::Cancelled);
+    EXPECT_EQ(progress.reports, 5);
+    EXPECT_EQ(progress.lastCurrent, 3);
+    EXPECT_EQ(progress.captions, std::vector<std::string>{"Calibrating Model"});
+}
+
+TEST(LeastAbsoluteDeviations, MoreThanTwentyPredictorsIsABoundsFailure) {
+    Fixture f;
+    MatrixObject x(40, 22);
+    MatrixObject y(40, 1);
+    try {
+        fitModel(x, y, FitMethod::LeastAbsoluteDeviations, f.environment);
+        FAIL();
+    } catch (const varo::core::Failure& failure) {
+        EXPECT_EQ(failure.number(), 9);
+        EXPECT_NE(failure.description().find("at most 20 predictors"), std::string::npos);
+    }
+}
+
+TEST(FitModel, PerfectFitFloorsTheResidualSumOfSquares) {
+    for (FitMethod method : {FitMethod::LeastSquares, FitMethod::LeastAbsoluteDeviations}) {
+        MatrixObject x(12, 2);
+        MatrixObject y(12, 1);
+        for (int r = 0; r < 12; ++r) {
+            x.setValue(r, 0, 1.0);
+            x.setValue(r, 1, r);
+            y.setValue(r, 0, 4.0 - 0.5 * r);
+        }
+        Fixture f;
+        std::vector<ResidualPair> pairs;
+        ScoreOptions options;
+        const FitScore score = fitAndScore(x, y, method, options, f.environment, {}, pairs);
+        EXPECT_EQ(score.fit.residualSS, 0.0001);
+        EXPECT_NEAR(score.fit.beta.getValue(1, 0), -0.5, 1e-12);
+        EXPECT_NEAR(score.standardError, std::sqrt(0.0001 / 11), 1e-15);
+        EXPECT_GT(score.standardError, 0.0);
+        EXPECT_TRUE(pairs.empty()); // pairs are kept only when asked
+    }
+}
+
+TEST(FitModel, NoRowsIsADivisionByZero) {
+    Fixture f;
+    try {
+        fitModel(MatrixObject(0, 2), MatrixObject(0, 1), FitMethod::LeastSquares, f.environment);
+        FAIL();
+    } catch (const varo::core::Failure& failure) {
+        EXPECT_EQ(failure.number(), 11);
+    }
+}
+
+TEST(Chow, RunsFromTwentyTwoRowsWithHalvesRoundedToEven) {
+    ScoreOptions options;
+    options.missingCode = Missing;
+    options.includeChow = true;
+    std::vector<ResidualPair> pairs;
+    {
+        auto d = wavyDesign(21); // H = 10: no test
+        Fixture f;
+        const FitScore score =
+            fitAndScore(d.x, d.y, FitMethod::LeastSquares, options, f.environment, {}, pairs);
+        EXPECT_EQ(score.chow, Missing);
+    }
+    for (int n : {22, 25, 27}) {
+        SCOPED_TRACE(n);
+        auto d = wavyDesign(n);
+        const auto xBefore = d.x.clone();
+        Fixture f;
+        const FitScore score =
+            fitAndScore(d.x, d.y, FitMethod::LeastSquares, options, f.environment, {}, pairs);
+        // Independent halves: H = 11, 12 (12.5 to even) and 14 (13.5 to even).
+        const int h = n == 22 ? 11 : n == 25 ? 12 : 14;
+        auto first = wavyDesign(n);
+        first.x.resize(h, 3);
+        first.y.resize(h, 1);
+        MatrixObject xLast(n - h, 3);
+        MatrixObject yLast(n - h, 1);
+        for (int r = h; r < n; ++r) {
+            for (int c = 0; c < 3; ++c) {
+                xLast.setValue(r - h, c, d.x.getValue(r, c));
+            }
+            yLast.setValue(r - h, 0, d.y.getValue(r, 0));
+        }
+        const double rss1 =
+            fitModel(first.x, first.y, FitMethod::LeastSquares, f.environment).residualSS;
+        const double rss2 =
+            fitModel(xLast, yLast, FitMethod::LeastSquares, f.environment).residualSS;
+        const double expected =
+            ((score.fit.residualSS - rss1 - rss2) / (rss1 + rss2)) * (n - 2.0 * 2) / 2;
+        EXPECT_NEAR(score.chow, expected, 1e-9 * std::fabs(expected));
+        EXPECT_GT(score.chow, 0.0);
+        // X and Y are whole again after the test.
+        ASSERT_EQ(d.x.rows(), n);
+        EXPECT_EQ(d.x.getValue(n - 1, 2), xBefore.getValue(n - 1, 2));
+    }
+}
+
+TEST(Chow, WithoutTheTickThereIsNoValue) {
+    auto d = wavyDesign(40);
+    Fixture f;
+    std::vector<ResidualPair> pairs;
+    ScoreOptions options;
+    options.missingCode = Missing;
+    const FitScore score =
+        fitAndScore(d.x, d.y, FitMethod::LeastSquares, options, f.environment, {}, pairs);
+    EXPECT_EQ(score.chow, Missing);
+    EXPECT_EQ(chowStatistic(5.0, 0.0, 0.0, 40, 2), 0.0);
+}
+
+TEST(FitAndScore, KeepsResidualPairsAndScoresOccurrence) {
+    auto d = wavyDesign(30);
+    Fixture f;
+    std::vector<ResidualPair> pairs{{1.0, 2.0}};
+    ScoreOptions options;
+    options.missingCode = Missing;
+    options.keepResidualPairs = true;
+    const FitScore score =
+        fitAndScore(d.x, d.y, FitMethod::LeastSquares, options, f.environment, {}, pairs);
+    ASSERT_EQ(pairs.size(), 31u); // appended after what was there
+    EXPECT_EQ(pairs[1].fitted, score.fit.fitted.getValue(0, 0));
+    EXPECT_NEAR(pairs[30].fitted + pairs[30].residual, d.y.getValue(29, 0), 1e-12);
+    EXPECT_EQ(score.propCorrect, Missing); // not an occurrence fit
+}
+
+TEST(FitStatistics, ProportionCorrectCountsTheHalfAsWet) {
+    const auto observed = column({0, 0, 1, 1, 1, Missing, 0});
+    const auto fitted = column({0.49, 0.5, 0.5, 0.49, 0.9, 0.9, Missing});
+    // Hits: row 0 (0, 0.49) and rows 2, 4; rows 5, 6 are not counted.
+    EXPECT_DOUBLE_EQ(proportionCorrect(observed, fitted, Missing), 3.0 / 5.0);
+    EXPECT_EQ(proportionCorrect(column({Missing}), column({1}), Missing), Missing);
+    // Only exactly 1.0 counts as an observed event.
+    EXPECT_EQ(proportionCorrect(column({0.999}), column({0.9}), Missing), 0.0);
+}
+
+TEST(FitStatistics, RSquaredLeavesOutMissingPairs) {
+    const auto observed = column({1, 2, 3, 4, Missing});
+    const auto fitted = column({2, 4, 6, 8.5, 3});
+    const double r2 = rSquared(observed, fitted, Missing);
+    // Over the four counted pairs: Sxx = 5, Syy = 23.1875, Sxy = 10.75.
+    EXPECT_NEAR(r2, 10.75 * 10.75 / (5 * 23.1875), 1e-14);
+    // Uncounted rows reaching N - 2 give the missing code, as does a flat series.
+    EXPECT_EQ(rSquared(column({1, 2, Missing, Missing}), column({1, 2, 3, 4}), Missing), Missing);
+    EXPECT_NE(rSquared(column({1, 2, 4, Missing}), column({1, 2, 3, 4}), Missing), Missing);
+    EXPECT_EQ(rSquared(column({2, 2, 2}), column({1, 2, 3}), Missing), Missing);
+}
+
+TEST(FitStatistics, StandardErrorAndDurbinWatson) {
+    EXPECT_EQ(standardError(8.0, 1, Missing), Missing);
+    EXPECT_DOUBLE_EQ(standardError(8.0, 3, Missing), 2.0);
+    EXPECT_EQ(standardError(1e-12, 3, Missing), 0.0001);
+    // Residuals 1, -1, 1: differences 4 + 4 over squares 3.
+    EXPECT_DOUBLE_EQ(durbinWatson(column({1, -1, 1}), Missing), 8.0 / 3.0);
+    EXPECT_EQ(durbinWatson(column({0, 0, 0}), Missing), Missing);
+}
