@@ -15,11 +15,13 @@ struct CommandResult {
 void addSettingsCommand(CLI::App& app, CliContext& context, CommandResult& result);
 void addQcCommand(CLI::App& app, CliContext& context, CommandResult& result);
 void addGenerateCommand(CLI::App& app, CliContext& context, CommandResult& result);
+void addDemoCommand(CLI::App& app, CliContext& context, CommandResult& result);
 
 inline void addCommands(CLI::App& app, CliContext& context, CommandResult& result) {
     addSettingsCommand(app, context, result);
     addQcCommand(app, context, result);
     addGenerateCommand(app, context, result);
+    addDemoCommand(app, context, result);
 }
 
 } // namespace varo::cli

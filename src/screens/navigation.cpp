@@ -8,20 +8,24 @@ namespace varo::screens {
 const std::vector<ToolbarKey>& hubToolbar() {
     static const std::vector<ToolbarKey> keys = {
         {ScreenKey::Home, "tb2Home", "Home", "Back to the start screen", "home"},
-        {ScreenKey::Quality, "tb2Quality", "Quality Control", "Check a data file", "quality"},
+        {ScreenKey::Quality, "tb2Quality", "Quality", "Quality control: check a data file",
+         "quality"},
         {ScreenKey::Transform, "tb2Transform", "Transform", "Transform a data file", "transform"},
-        {ScreenKey::Screen, "tb2Screen", "Screen Variables", "Screen predictors", "screen"},
+        {ScreenKey::Screen, "tb2Screen", "Screen",
+         "Screen variables: correlate predictors with the predictand", "screen"},
         {ScreenKey::Calibrate, "tb2Calibrate", "Calibrate", "Calibrate a model", "calibrate"},
-        {ScreenKey::WeatherGen, "tb2WeatherGen", "Weather Generator",
-         "Synthesise daily series from a model", "generate"},
-        {ScreenKey::AnalyseData, "tb2AnalyseData", "Summary Statistics",
+        {ScreenKey::WeatherGen, "tb2WeatherGen", "Generate",
+         "Weather generator: synthesise daily series from a model", "generate"},
+        {ScreenKey::AnalyseData, "tb2AnalyseData", "Statistics",
          "Summary statistics of observed or modelled series", "stats"},
         {ScreenKey::Diagnostics, "tb2Diagnostics", "Diagnostics",
          "Compare observed and modelled series", "diagnose"},
-        {ScreenKey::Generate, "tb2Generate", "Scenario Generator",
-         "Perturb a series into a scenario", "scenario"},
-        {ScreenKey::Compare, "tb2Compare", "Compare Results", "Chart two results files", "compare"},
-        {ScreenKey::TSPlot, "tb2TSPlot", "Time Series", "Time-series analysis", "timeseries"},
+        {ScreenKey::Generate, "tb2Generate", "Scenario", "Scenario generator: perturb a series",
+         "scenario"},
+        {ScreenKey::Compare, "tb2Compare", "Compare", "Compare results: chart two results files",
+         "compare"},
+        {ScreenKey::TSPlot, "tb2TSPlot", "Time Series", "Time-series analysis of up to five files",
+         "timeseries"},
     };
     return keys;
 }

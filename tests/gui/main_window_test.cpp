@@ -1,0 +1,96 @@
+#include "gui_test_support.hpp"
+
+#include "core/failure.hpp"
+#include "gui/progress_bar.hpp"
+#include "gui/quality_widget.hpp"
+
+#include <QAction>
+#include <QKeyEvent>
+#include <QThread>
+
+using namespace varo;
+using varo::testing::GuiFixture;
+
+TEST_F(GuiFixture, ToolbarKeysWithoutAScreenAreDisabled) {
+    window->showHome();
+    EXPECT_TRUE(window->toolbarAction(screens::ScreenKey::Quality)->isEnabled());
+    for (const auto& key : screens::hubToolbar()) {
+        EXPECT_EQ(window->toolbarAction(key.key)->isEnabled(),
+                  key.key == screens::ScreenKey::Home || window->screenAvailable(key.key))
+            << key.name;
+    }
+}
+
+TEST_F(GuiFixture, GoingToAScreenBuildsItAfresh) {
+    window->showHome();
+    window->goTo(screens::ScreenKey::Quality);
+    auto* first = qobject_cast<gui::QualityWidget*>(window->currentScreen());
+    ASSERT_NE(first, nullptr);
+    first->record().chooseFile("/some/file.dat");
+    window->goTo(screens::ScreenKey::Quality); // the key of the screen showing does nothing
+    EXPECT_EQ(window->currentScreen(), first);
+    window->goTo(screens::ScreenKey::Home);
+    window->goTo(screens::ScreenKey::Quality);
+    auto* second = qobject_cast<gui::QualityWidget*>(window->currentScreen());
+    ASSERT_NE(second, nullptr);
+    EXPECT_EQ(second->record().selectFileText, "Not selected");
+}
+
+TEST_F(GuiFixture, ExitAsksAndNoKeepsTheWindow) {
+    window->showHome();
+    dialogs.answers = {false};
+    EXPECT_FALSE(window->close());
+    ASSERT_EQ(dialogs.questions.size(), 1u);
+    EXPECT_EQ(dialogs.questions[0], "Do you really want to exit VARO?");
+    dialogs.answers = {true};
+    EXPECT_TRUE(window->close());
+}
+
+TEST_F(GuiFixture, IntroStartWritesSplashFalseWhenTickedAndExitAsksNothing) {
+    window->showStart();
+    find<QAbstractButton>("SplashCheck")->setChecked(true);
+    click("StartButton");
+    EXPECT_EQ(varo::testing::readFile(dir.path("VARO.INI")), "[VARO]\r\nSplash=False\r\n");
+    EXPECT_EQ(window->currentPage()->objectName(), "Home");
+
+    window->showStart();
+    click("ExitButton");
+    EXPECT_TRUE(dialogs.questions.empty());
+    EXPECT_FALSE(window->isVisible());
+}
+
+TEST_F(GuiFixture, EscapeDuringARunAsksAndAYesStopsIt) {
+    window->showHome();
+    window->goTo(screens::ScreenKey::Quality);
+    gui::ScreenWidget* screen = window->currentScreen();
+    dialogs.answers = {true};
+    bool cancelled = false;
+    window->runs().run(screen->progressBar(), [&](core::Progress& progress) {
+        EXPECT_TRUE(screen->progressBar()->isVisible());
+        QApplication::postEvent(screen,
+                                new QKeyEvent(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier));
+        QThread::msleep(40); // past the progress throttle, so the next report yields
+        progress.report(1, 2, "Working");
+        try {
+            progress.throwIfStopped();
+        } catch (const core::Cancelled&) {
+            cancelled = true;
+        }
+        // One confirmation cancels one operation.
+        EXPECT_FALSE(progress.stopRequested());
+    });
+    EXPECT_TRUE(cancelled);
+    ASSERT_EQ(dialogs.questions.size(), 1u);
+    EXPECT_EQ(dialogs.questions[0], "Do you really want to cancel processing?");
+    EXPECT_FALSE(screen->progressBar()->isVisible());
+}
+
+TEST_F(GuiFixture, SettingsBackRefreshesTheScreenBelow) {
+    window->showHome();
+    window->goTo(screens::ScreenKey::Quality);
+    window->openSettings();
+    type("MissingCodeText", "-99");
+    click("menuBack");
+    EXPECT_EQ(window->currentPage(), window->currentScreen());
+    EXPECT_EQ(text("MissingCode"), "-99");
+}
