@@ -1,68 +1,53 @@
 // varo demo [DIR]: writes sample data into DIR and runs the work on it.
 #include "cli/commands.hpp"
 
-#include "core/dates.hpp"
-#include "core/number_format.hpp"
-#include "core/random.hpp"
 #include "core/series_file.hpp"
+#include "sampledata/sample_data.hpp"
 #include "screens/quality_screen.hpp"
-
-#include <cmath>
-#include <filesystem>
-#include <numbers>
 
 namespace varo::cli {
 
 namespace {
 
-// A daily precipitation series for 1961-1990: wet days follow a two-state chain with a
-// seasonal cycle, amounts are exponential, and every 500th day is missing.
-std::string writeSamplePrecipitation(const std::string& folder, double missingCode) {
-    const std::string path = folder + "/precip.dat";
-    core::TextFileWriter file(path);
-    core::UniformRandom random;
-    const core::NumberFormat format("0.0");
-    const long days = core::daysInclusive(core::Date{1, 1, 1961}, core::Date{31, 12, 1990});
-    bool wet = false;
-    for (long day = 0; day < days; ++day) {
-        const double season =
-            std::cos(2.0 * std::numbers::pi * static_cast<double>(day % 365) / 365.0);
-        const double wetChance = (wet ? 0.65 : 0.3) + 0.1 * season;
-        wet = random.next() < wetChance;
-        const double amount = wet ? -4.0 * std::log(1.0 - random.next()) + 0.1 : 0.0;
-        file.writeLine(day % 500 == 499 ? core::generalText(missingCode) : format.format(amount));
+// Runs the quality check of one file and prints a line of its findings.
+bool checkQuality(CliContext& context, const std::string& file) {
+    screens::QualityScreen quality(context.state);
+    quality.chooseFile(file);
+    if (quality.check(context.dialogs(), context.progress()) != screens::RunOutcome::Done) {
+        return false;
     }
-    file.close();
-    return path;
+    context.printLine("  " + core::bareFileName(file) + ": " + quality.totalText + " values, " +
+                      quality.missingText + " missing, mean " + quality.meanText + ", range " +
+                      quality.minText + " to " + quality.maxText + ", above threshold " +
+                      quality.threshCountText);
+    return true;
 }
 
 int runDemo(CliContext& context, const std::string& folder) {
     if (const int refused = context.prepareState()) {
         return refused;
     }
-    std::error_code error;
-    std::filesystem::create_directories(folder, error);
-    if (error) {
-        context.dialogs().error("Cannot create the folder '" + folder + "': " + error.message() +
-                                ".");
-        return ExitFailed;
+    sampledata::SampleFiles files;
+    const auto written = screens::guardedRun(
+        context.dialogs(),
+        [&] {
+            sampledata::SampleOptions options;
+            options.missingCode = context.state.globalMissingCode;
+            files = sampledata::writeSampleData(folder, options);
+            return screens::RunOutcome::Done;
+        },
+        [] {});
+    if (written != screens::RunOutcome::Done) {
+        return exitCodeFor(written);
     }
-    const std::string precipitation =
-        writeSamplePrecipitation(folder, context.state.globalMissingCode);
-    context.printLine("Sample data written to " + folder + ":");
-    context.printLine("  " + precipitation);
+    context.printLine("Sample data written to " + folder + "/: precip.dat, tmax.dat (1961-1990),");
+    context.printLine("  predictors/ and future/ (" + std::to_string(files.predictorFiles.size()) +
+                      " predictors, 1961-1990 and 2011-2099 on a 360-day calendar)");
     context.printLine("");
-    context.printLine("Quality check of " + core::bareFileName(precipitation) + ":");
-    screens::QualityScreen quality(context.state);
-    quality.chooseFile(precipitation);
-    const auto outcome = quality.check(context.dialogs(), context.progress());
-    if (outcome != screens::RunOutcome::Done) {
-        return exitCodeFor(outcome);
-    }
-    context.printLine("  values " + quality.totalText + ", missing " + quality.missingText +
-                      ", mean " + quality.meanText + ", wet days " + quality.threshCountText +
-                      ", largest " + quality.maxText);
-    return ExitDone;
+    context.printLine("Quality check:");
+    const bool checked = checkQuality(context, files.precipitation) &&
+                         checkQuality(context, files.maximumTemperature);
+    return checked ? ExitDone : ExitFailed;
 }
 
 } // namespace
