@@ -14,12 +14,16 @@ struct CommandResult {
 
 void addSettingsCommand(CLI::App& app, CliContext& context, CommandResult& result);
 void addQcCommand(CLI::App& app, CliContext& context, CommandResult& result);
+void addTransformCommand(CLI::App& app, CliContext& context, CommandResult& result);
+void addScreenCommand(CLI::App& app, CliContext& context, CommandResult& result);
 void addGenerateCommand(CLI::App& app, CliContext& context, CommandResult& result);
 void addDemoCommand(CLI::App& app, CliContext& context, CommandResult& result);
 
 inline void addCommands(CLI::App& app, CliContext& context, CommandResult& result) {
     addSettingsCommand(app, context, result);
     addQcCommand(app, context, result);
+    addTransformCommand(app, context, result);
+    addScreenCommand(app, context, result);
     addGenerateCommand(app, context, result);
     addDemoCommand(app, context, result);
 }

@@ -1,0 +1,176 @@
+// varo screen correlation|variance PREDICTAND PREDICTOR...: the predictor screening of the
+// screening screen, printing its report (or JSON with --json).
+#include "cli/commands.hpp"
+
+#include "screens/screen_vars_screen.hpp"
+
+#include <algorithm>
+#include <cctype>
+#include <optional>
+
+namespace varo::cli {
+
+namespace {
+
+struct ScreenOptions {
+    std::string analysis;
+    std::string predictand;
+    std::vector<std::string> predictors;
+    std::optional<std::string> fitStart;
+    std::optional<std::string> fitEnd;
+    std::string period = "annual";
+    std::string process = "unconditional";
+    bool autoregression = false;
+    std::optional<std::string> sigLevel;
+};
+
+// The period list's entries by their lower-case names.
+int periodEntryOf(const core::ProgramState& state, const std::string& name) {
+    const auto entries = screens::periodEntries(state);
+    for (size_t i = 0; i < entries.size(); ++i) {
+        std::string lower = entries[i];
+        std::transform(lower.begin(), lower.end(), lower.begin(),
+                       [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+        if (lower == name) {
+            return static_cast<int>(i);
+        }
+    }
+    return 0;
+}
+
+nlohmann::ordered_json commonJson(const ScreenOptions& options,
+                                  const screens::ScreenVarsScreen& screen) {
+    nlohmann::ordered_json document;
+    document["analysis"] = options.analysis;
+    document["predictand"] = screen.ptandText;
+    document["predictors"] = screen.fileList;
+    document["fitStart"] = screen.fsDate.text;
+    document["fitEnd"] = screen.feDate.text;
+    document["process"] = options.process;
+    return document;
+}
+
+nlohmann::ordered_json correlationJson(const ScreenOptions& options,
+                                       const screens::ScreenVarsScreen& screen) {
+    const auto& data = *screen.data;
+    const auto& result = *screen.correlation;
+    nlohmann::ordered_json document = commonJson(options, screen);
+    document["period"] = options.period;
+    document["missingValues"] = data.missingValues;
+    document["missingRows"] = data.missingRows;
+    document["thresholdRows"] = data.thresholdRows;
+    document["n"] = result.n;
+    document["series"] = data.names;
+    document["correlations"] = result.r;
+    auto partials = nlohmann::ordered_json::array();
+    for (size_t i = 0; i < result.partial.size(); ++i) {
+        partials.push_back({{"name", data.names[i + 1]},
+                            {"partialR", result.partial[i]},
+                            {"pValue", result.pValue[i]}});
+    }
+    document["partials"] = partials;
+    return document;
+}
+
+nlohmann::ordered_json varianceJson(const ScreenOptions& options,
+                                    const screens::ScreenVarsScreen& screen) {
+    static constexpr const char* Months[12] = {"JAN", "FEB", "MAR", "APR", "MAY", "JUN",
+                                               "JUL", "AUG", "SEP", "OCT", "NOV", "DEC"};
+    const auto& result = *screen.variance;
+    nlohmann::ordered_json document = commonJson(options, screen);
+    document["sigLevel"] = screen.sigLevelText.text;
+    document["totalMissing"] = result.reportedMissing();
+    auto predictors = nlohmann::ordered_json::array();
+    for (size_t i = 0; i < result.names.size(); ++i) {
+        auto months = nlohmann::ordered_json::array();
+        for (size_t m = 0; m < 12; ++m) {
+            const auto& cell = result.cells[i][m];
+            months.push_back({{"month", Months[m]},
+                              {"n", cell.n},
+                              {"r", cell.r},
+                              {"rSquared", cell.rSquared},
+                              {"t", cell.t},
+                              {"p", cell.p},
+                              {"significant", screening::isSignificant(cell, screen.sigLevel)},
+                              {"best", cell.best}});
+        }
+        predictors.push_back({{"name", result.names[i]}, {"months", months}});
+    }
+    document["results"] = predictors;
+    return document;
+}
+
+int runScreen(CliContext& context, const ScreenOptions& options) {
+    if (const int refused = context.prepareState()) {
+        return refused;
+    }
+    screens::ScreenVarsScreen screen(context.state);
+    auto& dialogs = context.dialogs();
+    screen.choosePredictand(options.predictand);
+    screen.choosePredictors(options.predictors, dialogs);
+    if (options.fitStart) {
+        screen.fsDate.text = *options.fitStart;
+    }
+    if (options.fitEnd) {
+        screen.feDate.text = *options.fitEnd;
+    }
+    if (options.sigLevel) {
+        screen.sigLevelText.text = *options.sigLevel;
+    }
+    screen.datesCombo = periodEntryOf(context.state, options.period);
+    screen.setProcess(options.process == "conditional" ? screens::ScreenVarsScreen::Conditional
+                                                       : screens::ScreenVarsScreen::Unconditional,
+                      dialogs);
+    screen.setAutoregression(options.autoregression, dialogs);
+    const bool correlation = options.analysis == "correlation";
+    const auto outcome = correlation ? screen.correlate(dialogs, context.progress())
+                                     : screen.explainVariance(dialogs, context.progress());
+    if (outcome != screens::RunOutcome::Done) {
+        return exitCodeFor(outcome);
+    }
+    if (context.options.json) {
+        auto document =
+            correlation ? correlationJson(options, screen) : varianceJson(options, screen);
+        document["report"] = screen.report->lines;
+        context.printJson(document);
+    } else {
+        for (const std::string& line : screen.report->lines) {
+            context.printLine(line);
+        }
+    }
+    return ExitDone;
+}
+
+std::vector<std::string> periodNames() {
+    return {"annual",   "winter",    "spring",  "summer",   "autumn",  "january",
+            "february", "march",     "april",   "may",      "june",    "july",
+            "august",   "september", "october", "november", "december"};
+}
+
+} // namespace
+
+void addScreenCommand(CLI::App& app, CliContext& context, CommandResult& result) {
+    const auto options = std::make_shared<ScreenOptions>();
+    CLI::App* command = app.add_subcommand(
+        "screen", "Screen predictors: correlation matrix or explained variance by month");
+    command->add_option("ANALYSIS", options->analysis, "correlation or variance")
+        ->required()
+        ->check(CLI::IsMember({"correlation", "variance"}));
+    command->add_option("PREDICTAND", options->predictand, "Predictand file")->required();
+    command->add_option("PREDICTOR", options->predictors, "Predictor files, in order")->required();
+    command->add_option("--fit-start", options->fitStart,
+                        "First day of the analysis, dd/mm/yyyy (default: record start)");
+    command->add_option("--fit-end", options->fitEnd,
+                        "Last day of the analysis, dd/mm/yyyy (default: record end)");
+    command->add_option("--period", options->period, "Period of the year (correlation only)")
+        ->check(CLI::IsMember(periodNames()));
+    command->add_option("--process", options->process, "conditional or unconditional")
+        ->check(CLI::IsMember({"conditional", "unconditional"}));
+    command->add_flag("--autoregression", options->autoregression,
+                      "Add the predictand's previous day as a predictor");
+    command->add_option("--sig-level", options->sigLevel,
+                        "Significance level of explained variance (default 0.05)");
+    command->callback([&, options] { result.exitCode = runScreen(context, *options); });
+}
+
+} // namespace varo::cli

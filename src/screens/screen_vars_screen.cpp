@@ -1,0 +1,297 @@
+#include "screens/screen_vars_screen.hpp"
+
+#include "core/dates.hpp"
+#include "core/numeric_text.hpp"
+#include "core/series_file.hpp"
+
+#include <algorithm>
+#include <cctype>
+#include <filesystem>
+
+namespace varo::screens {
+
+namespace {
+
+std::string lowerCase(std::string_view text) {
+    std::string lower(text);
+    std::transform(lower.begin(), lower.end(), lower.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    return lower;
+}
+
+bool refuse(Dialogs& dialogs, TextField& field, const std::string& message) {
+    dialogs.error(message);
+    field.text = field.lastGood;
+    return false;
+}
+
+} // namespace
+
+std::string predictorDescription(const core::ProgramState& state, std::string_view fileName) {
+    const std::string name = lowerCase(fileName);
+    if (name.size() >= 8) {
+        const std::string code = name.substr(4, 4);
+        for (const auto& entry : state.predictorTable) {
+            if (entry.code == code) {
+                return entry.description;
+            }
+        }
+    }
+    for (const auto& entry : state.predictorTable) {
+        if (name.find(entry.code) != std::string::npos) {
+            return entry.description;
+        }
+    }
+    return {};
+}
+
+std::vector<std::string> periodEntries(const core::ProgramState& state) {
+    std::vector<std::string> entries{state.periodNames[17]};
+    for (int season = 13; season <= 16; ++season) {
+        entries.push_back(state.periodNames[static_cast<size_t>(season)]);
+    }
+    for (int month = 1; month <= 12; ++month) {
+        entries.push_back(state.periodNames[static_cast<size_t>(month)]);
+    }
+    return entries;
+}
+
+ScreenVarsScreen::ScreenVarsScreen(core::ProgramState& state) : state_(state) {
+    reset();
+}
+
+void ScreenVarsScreen::reset() {
+    ptandText = NotSelected;
+    predictandPath.clear();
+    setPredictorFolder(state_.defaultDir);
+    sDate = state_.globalSDate;
+    eDate = state_.globalEDate;
+    fsDate.reset(state_.globalSDate);
+    feDate.reset(state_.globalEDate);
+    datesCombo = 0;
+    parmOpt = Unconditional;
+    autoRegressionTick = false;
+    sigLevelText.reset("0.05");
+    sigLevel = 0.05f;
+    clearResults();
+}
+
+void ScreenVarsScreen::clearResults() {
+    fileList.clear();
+    data.reset();
+    correlation.reset();
+    variance.reset();
+    report.reset();
+}
+
+void ScreenVarsScreen::choosePredictand(const std::string& path) {
+    predictandPath = path;
+    ptandText = core::bareFileName(path);
+    state_.selectedPredictandName = ptandText;
+    state_.selectedPredictandPath = path;
+}
+
+void ScreenVarsScreen::pickPredictand(Dialogs& dialogs) {
+    const std::string start = state_.selectedPredictandPath.empty()
+                                  ? state_.defaultDir
+                                  : core::folderOf(state_.selectedPredictandPath);
+    if (const auto path = dialogs.pickOpenFile(PredictandFilter, start)) {
+        choosePredictand(*path);
+    }
+}
+
+void ScreenVarsScreen::setPredictorFolder(const std::string& folder) {
+    namespace fs = std::filesystem;
+    predictorFolder = folder;
+    predictorFiles.clear();
+    selectedPredictors.clear();
+    noOfFiles = "0";
+    std::error_code error;
+    for (fs::directory_iterator it(folder, error), end; !error && it != end; it.increment(error)) {
+        if (it->is_regular_file(error)) {
+            predictorFiles.push_back(it->path().filename().string());
+        }
+    }
+    std::sort(
+        predictorFiles.begin(), predictorFiles.end(),
+        [](const std::string& a, const std::string& b) { return lowerCase(a) < lowerCase(b); });
+}
+
+void ScreenVarsScreen::warnIfTooMany(Dialogs& dialogs) const {
+    if (selectedPredictors.size() > static_cast<size_t>(screening::MaxCorrelationPredictors)) {
+        dialogs.message("Warning", "Can only display up to 12 predictors in correlation analysis.",
+                        Icon::Warning);
+    }
+}
+
+void ScreenVarsScreen::selectPredictorItems(const std::vector<size_t>& indices, Dialogs& dialogs) {
+    std::vector<size_t> ordered = indices;
+    std::sort(ordered.begin(), ordered.end());
+    ordered.erase(std::unique(ordered.begin(), ordered.end()), ordered.end());
+    selectedPredictors.clear();
+    for (const size_t index : ordered) {
+        if (index < predictorFiles.size()) {
+            selectedPredictors.push_back(
+                (std::filesystem::path(predictorFolder) / predictorFiles[index]).string());
+        }
+    }
+    noOfFiles = std::to_string(selectedPredictors.size());
+    warnIfTooMany(dialogs);
+}
+
+void ScreenVarsScreen::choosePredictors(const std::vector<std::string>& paths, Dialogs& dialogs) {
+    selectedPredictors = paths;
+    noOfFiles = std::to_string(selectedPredictors.size());
+    warnIfTooMany(dialogs);
+}
+
+void ScreenVarsScreen::setProcess(int option, Dialogs& dialogs) {
+    parmOpt = option;
+    if (parmOpt == Conditional && autoRegressionTick) {
+        dialogs.message("Warning",
+                        "Can only apply autoregression analysis to unconditional process.",
+                        Icon::Warning);
+    }
+}
+
+void ScreenVarsScreen::setAutoregression(bool ticked, Dialogs& dialogs) {
+    autoRegressionTick = ticked;
+    if (ticked && parmOpt == Conditional) {
+        dialogs.message("Warning",
+                        "Can only apply autoregression analysis to unconditional process.",
+                        Icon::Warning);
+    }
+}
+
+bool ScreenVarsScreen::checkFitStart(Dialogs& dialogs) {
+    const auto start = core::parseDate(fsDate.text);
+    if (!start) {
+        return refuse(dialogs, fsDate,
+                      "Start date is invalid - it must be in the format dd/mm/yyyy.");
+    }
+    const auto end = core::parseDate(feDate.text);
+    if (end && core::dayDifference(*start, *end) < 0) {
+        return refuse(dialogs, fsDate, "End date must be later than start date.");
+    }
+    const auto recordStart = core::parseDate(state_.globalSDate);
+    if (recordStart && core::dayDifference(*recordStart, *start) < 0) {
+        return refuse(dialogs, fsDate, "Fit start date must be later than record start date.");
+    }
+    fsDate.lastGood = fsDate.text;
+    return true;
+}
+
+bool ScreenVarsScreen::checkFitEnd(Dialogs& dialogs) {
+    const auto end = core::parseDate(feDate.text);
+    if (!end) {
+        return refuse(dialogs, feDate,
+                      "End date is invalid - it must be in the format dd/mm/yyyy.");
+    }
+    const auto start = core::parseDate(fsDate.text);
+    if (start && core::dayDifference(*start, *end) < 0) {
+        return refuse(dialogs, feDate, "End date must be later than start date.");
+    }
+    const auto recordEnd = core::parseDate(state_.globalEDate);
+    if (recordEnd && core::dayDifference(*end, *recordEnd) < 0) {
+        return refuse(dialogs, feDate, "Fit end date must be earlier than record end date.");
+    }
+    feDate.lastGood = feDate.text;
+    return true;
+}
+
+bool ScreenVarsScreen::checkSigLevel(Dialogs& dialogs) {
+    const bool ok =
+        sigLevelText.check(dialogs, [](const std::string& text) -> std::optional<std::string> {
+            if (!core::isNumeric(text)) {
+                return "Significance level must be a value.";
+            }
+            const double value = core::leadingNumber(text);
+            if (value <= 0.0 || value >= 1.0) {
+                return "Significance level must be positive and less than 1.";
+            }
+            return std::nullopt;
+        });
+    if (ok) {
+        sigLevel = static_cast<float>(core::leadingNumber(sigLevelText.text));
+    }
+    return ok;
+}
+
+bool ScreenVarsScreen::checkSelection(Dialogs& dialogs, bool limitTo12) {
+    if (predictandPath.empty()) {
+        dialogs.error("You must select a predictand.");
+        return false;
+    }
+    if (selectedPredictors.empty()) {
+        dialogs.error("You must select at least one predictor.");
+        return false;
+    }
+    if (limitTo12 &&
+        selectedPredictors.size() > static_cast<size_t>(screening::MaxCorrelationPredictors)) {
+        dialogs.error("Sorry - you are allowed a maximum of 12 predictors only.");
+        return false;
+    }
+    return true;
+}
+
+screening::ScreeningRequest ScreenVarsScreen::request() const {
+    screening::ScreeningRequest request;
+    request.predictandPath = predictandPath;
+    request.predictorPaths = selectedPredictors;
+    request.fitStart = *core::parseDate(fsDate.text);
+    request.fitEnd = *core::parseDate(feDate.text);
+    request.period = datesCombo;
+    request.conditional = parmOpt == Conditional;
+    request.autoregression = autoRegressionTick;
+    return request;
+}
+
+RunOutcome ScreenVarsScreen::correlate(Dialogs& dialogs, core::Progress& progress) {
+    clearResults();
+    if (!checkSelection(dialogs, true) || !checkFitStart(dialogs) || !checkFitEnd(dialogs)) {
+        return RunOutcome::Refused;
+    }
+    return guardedRun(
+        dialogs,
+        [&] {
+            const auto asked = request();
+            auto assembled = screening::assembleScreeningData(asked, state_, progress);
+            const auto result = screening::correlate(assembled, asked.conditional, state_);
+            fileList.assign(assembled.names.begin() + 1, assembled.names.end());
+            const screening::ReportHeading heading{
+                fsDate.text, feDate.text,
+                periodEntries(state_)[static_cast<size_t>(std::clamp(datesCombo, 0, 16))]};
+            report = screening::correlationReport(assembled, result, heading, asked.conditional);
+            data = std::move(assembled);
+            correlation = result;
+            return RunOutcome::Done;
+        },
+        [&] {
+            clearResults();
+            state_.stopRequested.clear();
+        });
+}
+
+RunOutcome ScreenVarsScreen::explainVariance(Dialogs& dialogs, core::Progress& progress) {
+    clearResults();
+    if (!checkSelection(dialogs, false) || !checkFitStart(dialogs) || !checkFitEnd(dialogs) ||
+        !checkSigLevel(dialogs)) {
+        return RunOutcome::Refused;
+    }
+    return guardedRun(
+        dialogs,
+        [&] {
+            auto result = screening::explainVariance(request(), state_, progress);
+            fileList = result.names;
+            report = screening::varianceReport(
+                result, {fsDate.text, feDate.text, sigLevelText.text}, sigLevel);
+            variance = std::move(result);
+            return RunOutcome::Done;
+        },
+        [&] {
+            clearResults();
+            state_.stopRequested.clear();
+        });
+}
+
+} // namespace varo::screens

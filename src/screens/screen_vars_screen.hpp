@@ -1,0 +1,100 @@
+// ScreenVarsFrm: the screening screen. The person picks a predictand file and up to 12
+// predictor files from a folder's list, a fit period, a period of the year and a process,
+// and gets either the correlation matrix with partial correlations or the table of
+// explained variance by month, as a report in character columns.
+#pragma once
+
+#include "core/program_state.hpp"
+#include "screening/correlation.hpp"
+#include "screening/explained_variance.hpp"
+#include "screening/report_text.hpp"
+#include "screening/screening_data.hpp"
+#include "screens/dialogs.hpp"
+#include "screens/screen_run.hpp"
+#include "screens/text_field.hpp"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace varo::screens {
+
+// The description of a predictor file from the predictor table: the code at characters
+// 5 to 8 of the name (after a four-letter source prefix), else the first code found
+// anywhere in the name, letters compared without regard to case; empty when none matches.
+std::string predictorDescription(const core::ProgramState& state, std::string_view fileName);
+
+// The entries of the period list: 0 "Annual", 1 to 4 the seasons, 5 to 16 the months.
+std::vector<std::string> periodEntries(const core::ProgramState& state);
+
+class ScreenVarsScreen {
+public:
+    static constexpr std::string_view PredictandFilter =
+        "DAT Files (*.DAT)|*.DAT|All Files (*.*)|*.*";
+    static constexpr std::string_view NotSelected = "Not selected";
+    static constexpr int Conditional = 0;
+    static constexpr int Unconditional = 1;
+
+    explicit ScreenVarsScreen(core::ProgramState& state);
+
+    // Inputs.
+    std::string ptandText{NotSelected};
+    std::string predictandPath;
+    std::string predictorFolder;                 // Dir2
+    std::vector<std::string> predictorFiles;     // File2: the folder's files, by name
+    std::vector<std::string> selectedPredictors; // full paths, in list order
+    std::string noOfFiles{"0"};
+    std::string sDate; // the record's dates, shown
+    std::string eDate;
+    TextField fsDate;
+    TextField feDate;
+    int datesCombo = 0;
+    int parmOpt = Unconditional;
+    bool autoRegressionTick = false;
+    TextField sigLevelText{"0.05"};
+    float sigLevel = 0.05f;
+
+    // The last run's predictor names (FileList) and results.
+    std::vector<std::string> fileList;
+    std::optional<screening::ScreeningData> data;
+    std::optional<screening::CorrelationResult> correlation;
+    std::optional<screening::ExplainedVariance> variance;
+    std::optional<screening::ReportText> report;
+
+    // The predictand picker opens on the folder of the last predictand chosen, else on
+    // the default folder; the choice is remembered in the program state.
+    void choosePredictand(const std::string& path);
+    void pickPredictand(Dialogs& dialogs);
+
+    // Lists the folder's files (by name, letters without regard to case) and clears the
+    // selection.
+    void setPredictorFolder(const std::string& folder);
+    // Selects items of the list; more than 12 shows a warning (the selection stands).
+    void selectPredictorItems(const std::vector<size_t>& indices, Dialogs& dialogs);
+    // Selects predictor files by path, in the order given (the command line's way).
+    void choosePredictors(const std::vector<std::string>& paths, Dialogs& dialogs);
+
+    void setProcess(int option, Dialogs& dialogs);
+    void setAutoregression(bool ticked, Dialogs& dialogs);
+
+    // Field checks, when a field loses the focus and again when a run starts.
+    bool checkFitStart(Dialogs& dialogs);
+    bool checkFitEnd(Dialogs& dialogs);
+    bool checkSigLevel(Dialogs& dialogs);
+
+    // The two analyses.
+    RunOutcome correlate(Dialogs& dialogs, core::Progress& progress);
+    RunOutcome explainVariance(Dialogs& dialogs, core::Progress& progress);
+
+    void reset();
+
+private:
+    bool checkSelection(Dialogs& dialogs, bool limitTo12);
+    screening::ScreeningRequest request() const;
+    void clearResults();
+    void warnIfTooMany(Dialogs& dialogs) const;
+
+    core::ProgramState& state_;
+};
+
+} // namespace varo::screens

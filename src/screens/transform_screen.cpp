@@ -1,0 +1,259 @@
+#include "screens/transform_screen.hpp"
+
+#include "core/number_format.hpp"
+#include "core/numeric_text.hpp"
+#include "core/series_file.hpp"
+
+namespace varo::screens {
+
+namespace {
+
+using Message = std::optional<std::string>;
+
+// The check of a numeric field: one message when the text is no number, another when the
+// value lies outside low to high (the limits pass).
+FieldCheck rangeCheck(std::string notNumber, std::string outOfRange, double low, double high) {
+    return [=](const std::string& text) -> Message {
+        if (!core::isNumeric(text)) {
+            return notNumber;
+        }
+        const double value = core::leadingNumber(text);
+        if (value < low || value > high) {
+            return outOfRange;
+        }
+        return std::nullopt;
+    };
+}
+
+int roundedField(const TextField& field) {
+    return static_cast<int>(core::roundHalfEven(core::leadingNumber(field.text)));
+}
+
+} // namespace
+
+TransformScreen::TransformScreen(core::ProgramState& state) : state_(state) {
+    reset();
+}
+
+std::string TransformScreen::wrapCaption() const {
+    return "Wrap numbers round or fill gaps with missing code (" +
+           core::generalText(state_.globalMissingCode) + ") ";
+}
+
+void TransformScreen::reset() {
+    selectFileText = NotSelected;
+    inputPath.clear();
+    saveFileText = NotEntered;
+    outputPath.clear();
+    colsText.reset("1");
+    columns = 1;
+    option = dataprep::transform::NaturalLog;
+    lagText.reset("0");
+    lag = 0;
+    wrapCheck = false;
+    binomialText.reset(core::generalTextSingle(state_.thresh));
+    threshold = state_.thresh;
+    extractEnsembleCheck = false;
+    ensembleExtractText.reset("1");
+    ensemble = 1;
+    simCheck = false;
+    lamdaValText.reset("1");
+    lamda = 1.0;
+    leftShiftText.reset("0");
+    shift = 0.0;
+    lastReport.reset();
+}
+
+bool TransformScreen::checkLamda(Dialogs& dialogs) {
+    const std::string message = "Lamda value must be a value between -2 and +2.";
+    if (!lamdaValText.check(dialogs, rangeCheck(message, message, -2.0, 2.0))) {
+        return false;
+    }
+    lamda = core::leadingNumber(lamdaValText.text);
+    return true;
+}
+
+bool TransformScreen::checkShift(Dialogs& dialogs) {
+    if (!leftShiftText.check(dialogs, rangeCheck("Shift value must be a value between 0 and 100",
+                                                 "Shift value must be a value between 0 and 100.",
+                                                 0.0, 100.0))) {
+        return false;
+    }
+    shift = core::leadingNumber(leftShiftText.text);
+    return true;
+}
+
+bool TransformScreen::checkBinomial(Dialogs& dialogs) {
+    const bool ok = binomialText.check(dialogs, [](const std::string& text) -> Message {
+        if (!core::isNumeric(text)) {
+            return "Threshold value must be a number (positive or negative).";
+        }
+        return std::nullopt;
+    });
+    if (ok) {
+        threshold = static_cast<float>(core::leadingNumber(binomialText.text));
+    }
+    return ok;
+}
+
+bool TransformScreen::checkColumns(Dialogs& dialogs) {
+    const FieldCheck inRange = rangeCheck("Number of columns must be a positive integer.",
+                                          "Number of columns must be a value between 1 and 100.",
+                                          1.0, dataprep::MaxColumns);
+    bool belowEnsemble = false;
+    const bool ok = colsText.check(dialogs, [&](const std::string& text) -> Message {
+        if (auto message = inRange(text)) {
+            return message;
+        }
+        if (core::roundHalfEven(core::leadingNumber(text)) < ensemble) {
+            belowEnsemble = true;
+            return "Input data must include an ensemble to extract if required.";
+        }
+        return std::nullopt;
+    });
+    if (belowEnsemble) {
+        ensembleExtractText.reset("1");
+        ensemble = 1;
+    }
+    if (ok) {
+        columns = roundedField(colsText);
+    }
+    return ok;
+}
+
+bool TransformScreen::checkEnsemble(Dialogs& dialogs) {
+    const FieldCheck inRange = rangeCheck("Ensemble to extract must be a positive integer.",
+                                          "Ensemble to extract must be a value between 1 and 100.",
+                                          1.0, dataprep::MaxColumns);
+    const bool ok = ensembleExtractText.check(dialogs, [&](const std::string& text) -> Message {
+        if (auto message = inRange(text)) {
+            return message;
+        }
+        if (core::roundHalfEven(core::leadingNumber(text)) > columns) {
+            return "Ensemble to extract must be within range of input data.";
+        }
+        return std::nullopt;
+    });
+    if (ok) {
+        ensemble = roundedField(ensembleExtractText);
+    }
+    return ok;
+}
+
+bool TransformScreen::checkLag(Dialogs& dialogs) {
+    if (!lagText.check(dialogs, rangeCheck("Lag value must be an integer (positive or negative).",
+                                           "Lag value must be a value between -1000 and +1000.",
+                                           -1000.0, 1000.0))) {
+        return false;
+    }
+    lag = roundedField(lagText);
+    return true;
+}
+
+void TransformScreen::chooseInput(const std::string& path) {
+    inputPath = path;
+    selectFileText = core::bareFileName(path);
+}
+
+void TransformScreen::chooseOutput(const std::string& path) {
+    outputPath = path;
+    saveFileText = core::bareFileName(path);
+}
+
+void TransformScreen::pickInput(Dialogs& dialogs) {
+    if (const auto path = dialogs.pickOpenFile(FileFilter, state_.defaultDir)) {
+        chooseInput(*path);
+    }
+}
+
+void TransformScreen::pickOutput(Dialogs& dialogs) {
+    if (const auto path = dialogs.pickSaveFile(FileFilter, state_.defaultDir, "DAT")) {
+        chooseOutput(*path);
+    }
+}
+
+// The checks of a run in their order; the lag and threshold fields are checked whatever the
+// option, but stop the run only when their option is chosen.
+RunOutcome TransformScreen::runChecks(Dialogs& dialogs) {
+    namespace code = dataprep::transform;
+    if (inputPath.empty()) {
+        dialogs.error("You must select a file to transform.");
+        return RunOutcome::Refused;
+    }
+    if (outputPath.empty()) {
+        dialogs.error("You must select a file to save the transformation to.");
+        return RunOutcome::Refused;
+    }
+    if (!checkLag(dialogs) && option == code::Lag) {
+        return RunOutcome::Refused;
+    }
+    if (!checkBinomial(dialogs) && option == code::Binomial) {
+        return RunOutcome::Refused;
+    }
+    if (!checkColumns(dialogs)) {
+        return RunOutcome::Refused;
+    }
+    if (extractEnsembleCheck && !checkEnsemble(dialogs)) {
+        return RunOutcome::Refused;
+    }
+    if (option == code::UnBoxCox && (!checkLamda(dialogs) || !checkShift(dialogs))) {
+        return RunOutcome::Refused;
+    }
+    if (extractEnsembleCheck && columns == 1) {
+        dialogs.error("You cannot extract a column from a file with only one column.");
+        return RunOutcome::Refused;
+    }
+    return RunOutcome::Done;
+}
+
+TransformScreen::Report TransformScreen::runOperation(core::Progress& progress) {
+    namespace code = dataprep::transform;
+    Report report;
+    if (simCheck) {
+        report.copiedSimFile = dataprep::copyDescriptionFile(inputPath, outputPath);
+    }
+    const double missingCode = state_.globalMissingCode;
+    if (option == code::BoxCox) {
+        const auto result =
+            dataprep::boxCoxFile(inputPath, outputPath, columns, missingCode, progress);
+        report.counts = result.counts;
+        report.lamda = result.lamda;
+        report.shift = result.shift;
+        report.text = dataprep::boxCoxReportText(result, missingCode);
+    } else if (option == code::UnBoxCox) {
+        report.counts = dataprep::unBoxCoxFile(inputPath, outputPath, columns, lamda, shift,
+                                               missingCode, progress);
+        report.text = dataprep::unBoxCoxReportText(report.counts, missingCode);
+    } else {
+        dataprep::TransformSettings settings;
+        settings.code = option;
+        settings.columns = columns;
+        settings.lag = lag;
+        settings.wrap = wrapCheck;
+        settings.threshold = threshold;
+        settings.extract = extractEnsembleCheck;
+        settings.extractColumn = ensemble;
+        settings.missingCode = missingCode;
+        report.counts = dataprep::transformFile(inputPath, outputPath, settings, progress);
+        report.text =
+            dataprep::transformReportText(report.counts, extractEnsembleCheck, missingCode);
+    }
+    return report;
+}
+
+RunOutcome TransformScreen::transform(Dialogs& dialogs, core::Progress& progress) {
+    lastReport.reset();
+    if (const RunOutcome checked = runChecks(dialogs); checked != RunOutcome::Done) {
+        return checked;
+    }
+    return guardedRun(
+        dialogs,
+        [&] {
+            lastReport = runOperation(progress);
+            dialogs.message(CompleteTitle, lastReport->text, Icon::Information);
+            return RunOutcome::Done;
+        },
+        [&] { state_.stopRequested.clear(); });
+}
+
+} // namespace varo::screens

@@ -1,0 +1,86 @@
+#include "cli_test_support.hpp"
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+using namespace varo::testing;
+
+namespace {
+const std::string Data = std::string(VARO_TEST_DATA) + "/screening/";
+
+std::vector<std::string> screenArgs(const std::string& analysis) {
+    return {"screen",
+            analysis,
+            Data + "predictand.dat",
+            Data + "p1_mslp.dat",
+            Data + "p2_p500.dat",
+            "--fit-end",
+            "31/12/1963"};
+}
+} // namespace
+
+TEST(CliScreen, CorrelationPrintsTheReport) {
+    TempDir dir;
+    auto args = screenArgs("correlation");
+    args.insert(args.end(), {"--period", "july"});
+    const auto run = runVaro(dir, args);
+    ASSERT_EQ(run.exitCode, 0) << run.err;
+    EXPECT_NE(run.out.find("\nAnalysis Period: 01/01/1961 - 31/12/1963 (July)\n"),
+              std::string::npos);
+    EXPECT_NE(run.out.find("\nPARTIAL CORRELATIONS WITH predictand.dat\n"), std::string::npos);
+}
+
+TEST(CliScreen, JsonCarriesTheNumbersAndTheReport) {
+    TempDir dir;
+    auto args = screenArgs("correlation");
+    args.insert(args.begin(), "--json");
+    const auto run = runVaro(dir, args);
+    ASSERT_EQ(run.exitCode, 0) << run.err;
+    const auto report = nlohmann::json::parse(run.out);
+    EXPECT_EQ(report["series"].size(), 3u);
+    EXPECT_EQ(report["correlations"].size(), 3u);
+    EXPECT_EQ(report["partials"].size(), 2u);
+    EXPECT_EQ(report["partials"][0]["name"], "p1_mslp.dat");
+    EXPECT_EQ(report["report"][8], "CORRELATION MATRIX");
+
+    auto variance = screenArgs("variance");
+    variance.insert(variance.begin(), "--json");
+    variance.insert(variance.end(),
+                    {"--process", "conditional", "--autoregression", "--sig-level", "0.01"});
+    const auto explained = runVaro(dir, variance);
+    ASSERT_EQ(explained.exitCode, 0) << explained.err;
+    EXPECT_EQ(explained.err, "Warning: Can only apply autoregression analysis to unconditional "
+                             "process.\n");
+    const auto table = nlohmann::json::parse(explained.out);
+    EXPECT_EQ(table["results"].size(), 3u);
+    EXPECT_EQ(table["results"][2]["name"], "Autoregression");
+    EXPECT_EQ(table["results"][0]["months"][0]["month"], "JAN");
+    EXPECT_EQ(table["report"][2], "   Significance level: 0.01");
+}
+
+TEST(CliScreen, RefusalsAndFailures) {
+    TempDir dir;
+    std::vector<std::string> many{"screen", "correlation", Data + "predictand.dat"};
+    for (int i = 0; i < 13; ++i) {
+        many.push_back(Data + "p1_mslp.dat");
+    }
+    const auto tooMany = runVaro(dir, many);
+    EXPECT_EQ(tooMany.exitCode, 2);
+    EXPECT_NE(tooMany.err.find("Error Message: Sorry - you are allowed a maximum of 12 "
+                               "predictors only.\n"),
+              std::string::npos);
+    auto late = screenArgs("correlation");
+    late.back() = "01/01/1991";
+    const auto refused = runVaro(dir, late);
+    EXPECT_EQ(refused.exitCode, 2);
+    EXPECT_EQ(refused.err, "Error Message: Fit end date must be earlier than record end date.\n");
+    auto level = screenArgs("variance");
+    level.insert(level.end(), {"--sig-level", "1"});
+    EXPECT_EQ(runVaro(dir, level).exitCode, 2);
+    // The files hold three years, the default period thirty.
+    auto whole = screenArgs("variance");
+    whole.resize(whole.size() - 2);
+    const auto shortFiles = runVaro(dir, whole);
+    EXPECT_EQ(shortFiles.exitCode, 1);
+    EXPECT_NE(shortFiles.err.find("Input past end of file."), std::string::npos);
+}

@@ -1,0 +1,175 @@
+#include "screens/screen_vars_screen.hpp"
+#include "support/scripted_dialogs.hpp"
+#include "support/temp_dir.hpp"
+
+#include <gtest/gtest.h>
+
+#include <numeric>
+
+using namespace varo;
+using varo::screens::ScreenVarsScreen;
+using varo::testing::ScriptedDialogs;
+using varo::testing::TempDir;
+using Outcome = varo::screens::RunOutcome;
+
+namespace {
+
+const std::string DataFolder = std::string(VARO_TEST_DATA) + "/screening/";
+
+struct ScreenVarsFixture : ::testing::Test {
+    core::ProgramState state;
+    ScriptedDialogs dialogs;
+    core::NullProgress progress;
+    TempDir dir;
+    ScreenVarsFixture() {
+        core::initialiseState(state);
+        state.defaultDir = dir.folder();
+    }
+
+    // Thirteen predictor files named after table codes, and a predictand.
+    void fillFolder() {
+        for (const char* code : {"temp", "mslp", "p500", "p850", "rhum", "r500", "r850", "sphu",
+                                 "p__f", "p__z", "p__v", "p__u", "p_th"}) {
+            dir.write(std::string("ncep") + code + "gl.dat", "1\r\n2\r\n3\r\n");
+        }
+    }
+};
+
+} // namespace
+
+TEST(PredictorDescription, LooksTheCodeUpInThePredictorTable) {
+    core::ProgramState state;
+    core::initialiseState(state);
+    EXPECT_EQ(screens::predictorDescription(state, "ncepmslpas.dat"), "Mean sea level pressure");
+    EXPECT_EQ(screens::predictorDescription(state, "NCEPP__FAS.DAT"), "Surface airflow strength");
+    EXPECT_EQ(screens::predictorDescription(state, "h3p500gl.dat"), "500 hPa geopotential height");
+    EXPECT_EQ(screens::predictorDescription(state, "rain.dat"), "");
+}
+
+TEST_F(ScreenVarsFixture, TheListComesFromTheFolderAndMoreThanTwelveWarn) {
+    fillFolder();
+    ScreenVarsScreen screen(state);
+    ASSERT_EQ(screen.predictorFiles.size(), 13u);
+    EXPECT_EQ(screen.predictorFiles.front(), "ncepmslpgl.dat");
+    EXPECT_EQ(screen.predictorFiles.back(), "nceptempgl.dat");
+    screen.selectPredictorItems({3, 1}, dialogs);
+    EXPECT_EQ(screen.selectedPredictors,
+              (std::vector<std::string>{dir.path("ncepp500gl.dat"), dir.path("ncepp__fgl.dat")}));
+    EXPECT_EQ(screen.noOfFiles, "2");
+    EXPECT_TRUE(dialogs.messages.empty());
+    std::vector<size_t> all(13);
+    std::iota(all.begin(), all.end(), 0);
+    screen.selectPredictorItems(all, dialogs);
+    ASSERT_EQ(dialogs.messages.size(), 1u);
+    EXPECT_EQ(dialogs.messages[0].title, "Warning");
+    EXPECT_EQ(dialogs.messages[0].text,
+              "Can only display up to 12 predictors in correlation analysis.");
+
+    screen.choosePredictand(dir.path("ncepmslpgl.dat"));
+    EXPECT_EQ(screen.correlate(dialogs, progress), Outcome::Refused);
+    EXPECT_EQ(dialogs.lastText(), "Sorry - you are allowed a maximum of 12 predictors only.");
+    // Explained variance takes them all (the files are too short for the period, though).
+    EXPECT_EQ(screen.explainVariance(dialogs, progress), Outcome::Failed);
+    EXPECT_NE(dialogs.lastText().find("Input past end of file."), std::string::npos);
+}
+
+TEST_F(ScreenVarsFixture, RunsNeedAPredictandAndAPredictor) {
+    ScreenVarsScreen screen(state);
+    EXPECT_EQ(screen.correlate(dialogs, progress), Outcome::Refused);
+    EXPECT_EQ(dialogs.lastText(), "You must select a predictand.");
+    screen.choosePredictand(DataFolder + "predictand.dat");
+    EXPECT_EQ(screen.explainVariance(dialogs, progress), Outcome::Refused);
+    EXPECT_EQ(dialogs.lastText(), "You must select at least one predictor.");
+}
+
+TEST_F(ScreenVarsFixture, DateAndLevelChecks) {
+    ScreenVarsScreen screen(state);
+    const auto start = [&](const std::string& text) {
+        screen.fsDate.text = text;
+        return screen.checkFitStart(dialogs);
+    };
+    const auto end = [&](const std::string& text) {
+        screen.feDate.text = text;
+        return screen.checkFitEnd(dialogs);
+    };
+    const auto level = [&](const std::string& text) {
+        screen.sigLevelText.text = text;
+        return screen.checkSigLevel(dialogs);
+    };
+    EXPECT_FALSE(start("31/02/1961"));
+    EXPECT_FALSE(start("01/01/1991"));
+    EXPECT_FALSE(start("31/12/1960"));
+    EXPECT_TRUE(start("1/1/1961"));
+    EXPECT_FALSE(end("1961"));
+    EXPECT_FALSE(end("31/12/1960"));
+    EXPECT_FALSE(end("01/01/1991"));
+    EXPECT_TRUE(end("01/01/1961")); // a period of one day
+    EXPECT_FALSE(level("five"));
+    EXPECT_FALSE(level("0"));
+    EXPECT_FALSE(level("1"));
+    EXPECT_TRUE(level("0.01"));
+    EXPECT_EQ(screen.sigLevel, 0.01f);
+    EXPECT_EQ(screen.fsDate.text, "1/1/1961");
+    EXPECT_EQ(dialogs.errors(), (std::vector<std::string>{
+                                    "Start date is invalid - it must be in the format dd/mm/yyyy.",
+                                    "End date must be later than start date.",
+                                    "Fit start date must be later than record start date.",
+                                    "End date is invalid - it must be in the format dd/mm/yyyy.",
+                                    "End date must be later than start date.",
+                                    "Fit end date must be earlier than record end date.",
+                                    "Significance level must be a value.",
+                                    "Significance level must be positive and less than 1.",
+                                    "Significance level must be positive and less than 1.",
+                                }));
+}
+
+TEST_F(ScreenVarsFixture, AutoregressionWithTheConditionalProcessWarns) {
+    ScreenVarsScreen screen(state);
+    screen.setAutoregression(true, dialogs);
+    EXPECT_TRUE(dialogs.messages.empty());
+    screen.setProcess(ScreenVarsScreen::Conditional, dialogs);
+    screen.setAutoregression(false, dialogs);
+    screen.setAutoregression(true, dialogs);
+    ASSERT_EQ(dialogs.messages.size(), 2u);
+    for (const auto& shown : dialogs.messages) {
+        EXPECT_EQ(shown.title, "Warning");
+        EXPECT_EQ(shown.text, "Can only apply autoregression analysis to unconditional process.");
+    }
+}
+
+TEST_F(ScreenVarsFixture, BothAnalysesReportAndThePredictandIsRemembered) {
+    ScreenVarsScreen screen(state);
+    dialogs.pickedFiles.push_back(DataFolder + "predictand.dat");
+    screen.pickPredictand(dialogs);
+    EXPECT_EQ(screen.ptandText, "predictand.dat");
+    EXPECT_EQ(state.selectedPredictandName, "predictand.dat");
+    EXPECT_EQ(state.selectedPredictandPath, DataFolder + "predictand.dat");
+    screen.setPredictorFolder(DataFolder);
+    screen.selectPredictorItems({2, 1}, dialogs); // after make_reference.py
+    screen.feDate.text = "31/12/1963";
+    screen.datesCombo = 7; // March
+    ASSERT_EQ(screen.correlate(dialogs, progress), Outcome::Done) << dialogs.lastText();
+    EXPECT_EQ(screen.fileList, (std::vector<std::string>{"p1_mslp.dat", "p2_p500.dat"}));
+    EXPECT_EQ(screen.data->total, 93);
+    EXPECT_EQ(screen.report->lines[10], "Analysis Period: 01/01/1961 - 31/12/1963 (March)");
+    screen.setAutoregression(true, dialogs);
+    ASSERT_EQ(screen.explainVariance(dialogs, progress), Outcome::Done);
+    EXPECT_EQ(screen.fileList.back(), "Autoregression");
+    EXPECT_FALSE(screen.correlation.has_value());
+    EXPECT_EQ(screen.report->lines[0], "   RESULTS: EXPLAINED VARIANCE");
+}
+
+TEST_F(ScreenVarsFixture, ACancelShowsNothingAndLeavesNoResults) {
+    class Stop final : public core::Progress {
+    public:
+        void report(long, long, std::string_view) override {}
+        bool stopRequested() override { return true; }
+    } stop;
+    ScreenVarsScreen screen(state);
+    screen.choosePredictand(DataFolder + "predictand.dat");
+    screen.choosePredictors({DataFolder + "p1_mslp.dat"}, dialogs);
+    screen.feDate.text = "31/12/1963";
+    EXPECT_EQ(screen.correlate(dialogs, stop), Outcome::Cancelled);
+    EXPECT_TRUE(dialogs.messages.empty());
+    EXPECT_FALSE(screen.report.has_value());
+}
