@@ -2,6 +2,7 @@
 
 #include <charconv>
 #include <cmath>
+#include <cstdint>
 #include <cstdlib>
 
 namespace varo::core {
@@ -184,6 +185,130 @@ std::string printedForm(const std::string& general) {
     return " " + general + " ";
 }
 
+// The fixed-point form without grouping, as appendFixed(roundDigits(decimalDigits(value)))
+// gives it, but without building strings on the way: the OUT and PAR writers format
+// millions of numbers.
+// Values of moderate size that lie clearly away from a rounding tie round the same on
+// their shortest digits as on their exact binary value: the shortest digits differ from
+// the value by at most half a unit in its last place, far less than the margin kept here.
+// Such values are scaled and rounded as integers; the rest take the digit path below.
+bool appendFixedScaled(std::string& out, double magnitude, bool negative, int minIntegerDigits,
+                       int decimals) {
+    static constexpr double Powers[] = {1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6};
+    if (decimals > 6 || !(magnitude < 1e9)) {
+        return false;
+    }
+    const double scaled = magnitude * Powers[decimals];
+    const double lower = std::floor(scaled);
+    const double fraction = scaled - lower;
+    if (std::fabs(fraction - 0.5) <= scaled * 4e-15) {
+        return false;
+    }
+    auto units = static_cast<std::uint64_t>(lower) + (fraction > 0.5 ? 1 : 0);
+    char text[32];
+    char* p = text + sizeof text;
+    for (int i = 0; i < decimals; ++i) {
+        *--p = static_cast<char>('0' + units % 10);
+        units /= 10;
+    }
+    if (decimals > 0) {
+        *--p = '.';
+    }
+    int integerDigits = 0;
+    for (; units > 0 || integerDigits < minIntegerDigits; ++integerDigits) {
+        *--p = static_cast<char>('0' + units % 10);
+        units /= 10;
+    }
+    if (negative && (lower > 0 || fraction > 0.5)) {
+        *--p = '-';
+    }
+    out.append(p, static_cast<size_t>(text + sizeof text - p));
+    return true;
+}
+
+void appendFixedUngrouped(std::string& out, double value, int minIntegerDigits, int decimals) {
+    const bool negative = std::signbit(value);
+    value = std::fabs(value);
+    if (appendFixedScaled(out, value, negative, minIntegerDigits, decimals)) {
+        return;
+    }
+    // digits[0] stays free for a carry out of the first digit.
+    char digits[40];
+    int first = 1;
+    int count = 0;
+    int pointPos = 0;
+    if (value != 0) {
+        char text[40];
+        const char* end =
+            std::to_chars(text, text + sizeof text, value, std::chars_format::scientific).ptr;
+        const char* p = text;
+        digits[first + count++] = *p++;
+        if (*p == '.') {
+            for (++p; *p != 'e'; ++p) {
+                digits[first + count++] = *p;
+            }
+        }
+        ++p; // 'e'
+        const bool negativeExponent = *p == '-';
+        int exponent = 0;
+        for (++p; p < end; ++p) {
+            exponent = exponent * 10 + (*p - '0');
+        }
+        pointPos = (negativeExponent ? -exponent : exponent) + 1;
+        while (count > 0 && digits[first + count - 1] == '0') {
+            --count;
+        }
+    }
+    const int keep = pointPos + decimals;
+    if (keep < count) {
+        if (keep < 0) {
+            count = 0;
+        } else {
+            const char next = digits[first + keep];
+            const bool previousOdd = keep > 0 && (digits[first + keep - 1] - '0') % 2 == 1;
+            const bool roundUp = next > '5' || (next == '5' && (keep + 1 < count || previousOdd));
+            count = keep;
+            if (roundUp) {
+                int i = count - 1;
+                while (i >= 0 && digits[first + i] == '9') {
+                    digits[first + i] = '0';
+                    --i;
+                }
+                if (i >= 0) {
+                    ++digits[first + i];
+                } else {
+                    --first;
+                    digits[first] = '1';
+                    ++count;
+                    ++pointPos;
+                }
+            }
+            while (count > 0 && digits[first + count - 1] == '0') {
+                --count;
+            }
+        }
+    }
+    const auto digitAt = [&](int position) {
+        return position >= 0 && position < count ? digits[first + position] : '0';
+    };
+    if (negative && count > 0) {
+        out += '-';
+    }
+    const int integerDigits = pointPos > 0 ? pointPos : 0;
+    if (integerDigits < minIntegerDigits) {
+        out.append(static_cast<size_t>(minIntegerDigits - integerDigits), '0');
+    }
+    for (int i = 0; i < integerDigits; ++i) {
+        out += digitAt(i);
+    }
+    if (decimals > 0) {
+        out += '.';
+        for (int i = 0; i < decimals; ++i) {
+            out += digitAt(pointPos + i);
+        }
+    }
+}
+
 } // namespace
 
 NumberFormat::NumberFormat(std::string_view pattern) {
@@ -214,6 +339,10 @@ void NumberFormat::appendTo(std::string& out, double value) const {
     out += prefix_;
     if (!std::isfinite(value)) {
         out += std::isnan(value) ? "NaN" : (value < 0 ? "-Infinity" : "Infinity");
+        return;
+    }
+    if (!grouping_) {
+        appendFixedUngrouped(out, value, minIntegerDigits_, decimals_);
         return;
     }
     DecimalDigits number = decimalDigits(value, 0);
@@ -263,14 +392,6 @@ std::string printNumberSingle(float value) {
 
 std::string printInteger(long long value) {
     return printedForm(std::to_string(value));
-}
-
-void padToNextZone(std::string& line, size_t lineStart) {
-    const size_t column = line.size() - lineStart;
-    const size_t remainder = column % PrintZoneWidth;
-    if (remainder != 0) {
-        line.append(PrintZoneWidth - remainder, ' ');
-    }
 }
 
 } // namespace varo::core

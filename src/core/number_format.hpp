@@ -52,6 +52,11 @@ inline constexpr int PrintZoneWidth = 14;
 // Pads a line that has reached `column` (0-based) to the start of the next print zone:
 // the line is filled with blanks to the next multiple of 14, and a line that stands
 // exactly on a zone boundary is left as it is.
-void padToNextZone(std::string& line, size_t lineStart);
+inline void padToNextZone(std::string& line, size_t lineStart) {
+    const size_t remainder = (line.size() - lineStart) % PrintZoneWidth;
+    if (remainder != 0) {
+        line.append(PrintZoneWidth - remainder, ' ');
+    }
+}
 
 } // namespace varo::core

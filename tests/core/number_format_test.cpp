@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <random>
+
 using namespace varo::core;
 
 TEST(FormatPattern, SixDecimalsOfTransformedFiles) {
@@ -44,6 +47,41 @@ TEST(FormatPattern, PrefixGroupingAndOptionalDigits) {
     EXPECT_EQ(formatPattern(0.0, "######"), "");
     EXPECT_EQ(formatPattern(1.0, "0"), "1");
     EXPECT_EQ(formatPattern(0.3456, "0.0000"), "0.3456");
+}
+
+TEST(FormatPattern, FastFixedFormMatchesTheDigitByDigitRounding) {
+    // The ungrouped patterns take a path of their own; it must agree with the general
+    // rounding on ties, carries, tiny, huge and negative values.
+    std::mt19937_64 engine(42);
+    std::uniform_real_distribution<double> mantissa(-10.0, 10.0);
+    std::uniform_int_distribution<int> exponent(-12, 22);
+    std::uniform_int_distribution<long long> ticks(-2000000, 2000000);
+    const NumberFormat three("#####0.000");
+    const NumberFormat six("####0.000000");
+    const NumberFormat whole("0");
+    const NumberFormat optional("#.##");
+    const NumberFormat optionalGrouped("#.##,"); // the general path, no commas below 1000
+    for (int i = 0; i < 50000; ++i) {
+        const double value = i % 2 == 0 ? mantissa(engine) * std::pow(10.0, exponent(engine))
+                                        : static_cast<double>(ticks(engine)) / 2000.0;
+        ASSERT_EQ(three.format(value), formatFixedHalfEven(value, 3, false)) << value;
+        ASSERT_EQ(six.format(value), formatFixedHalfEven(value, 6, false)) << value;
+        ASSERT_EQ(whole.format(value), formatFixedHalfEven(value, 0, false)) << value;
+        if (std::fabs(value) < 999.0) {
+            ASSERT_EQ(optional.format(value), optionalGrouped.format(value)) << value;
+        }
+    }
+    // Values a few units in the last place either side of a tie.
+    for (int i = 0; i < 20000; ++i) {
+        double value = (static_cast<double>(ticks(engine)) + 0.5) / 1000.0;
+        const int steps = i % 9 - 4;
+        for (int s = 0; s < std::abs(steps); ++s) {
+            value = std::nextafter(value, steps > 0 ? HUGE_VAL : -HUGE_VAL);
+        }
+        ASSERT_EQ(three.format(value), formatFixedHalfEven(value, 3, false)) << value;
+    }
+    EXPECT_EQ(three.format(1e300).size(), 305u);
+    EXPECT_EQ(three.format(-9999.9995), "-10000.000");
 }
 
 TEST(GeneralNumber, ShortestTextWithoutLeadingZero) {
