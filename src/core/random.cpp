@@ -6,9 +6,9 @@ namespace varo::core {
 
 void UniformRandom::seed(std::uint64_t seedValue) {
     state_ = 0;
-    nextBits();
+    step();
     state_ += seedValue;
-    nextBits();
+    step();
 }
 
 void UniformRandom::seedFromClock() {

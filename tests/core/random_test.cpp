@@ -35,3 +35,17 @@ TEST(UniformRandom, ClockSeedsDiffer) {
     b.seed(12345);
     EXPECT_NE(a.next(), b.next());
 }
+
+TEST(UniformRandom, FillGivesTheSameStreamAsSingleDraws) {
+    UniformRandom single;
+    UniformRandom block;
+    float values[1001];
+    for (const size_t count : {0u, 1u, 2u, 3u, 1000u, 1001u, 7u}) {
+        block.fill(values, count);
+        for (size_t i = 0; i < count; ++i) {
+            ASSERT_EQ(values[i], single.next()) << count << " " << i;
+        }
+        // The stream goes on from where the block ended.
+        ASSERT_EQ(block.next(), single.next()) << count;
+    }
+}
