@@ -51,20 +51,22 @@ void SynthesizeScreen::pickPredictorFolder(Dialogs& dialogs) {
 
 void SynthesizeScreen::reset() {
     cleanup();
-    parFileText = NotSelected;
+    // Fresh strings moved in (rather than texts copied over old ones) keep GCC 12's
+    // optimiser from a false overlap warning.
+    parFileText = std::string(NotSelected);
     parFilePath.clear();
-    outFileText = NotSelected;
+    outFileText = std::string(NotSelected);
     outFilePath.clear();
-    noOfPredText = "0";
-    rStartText = Unknown;
-    rLengthText = Unknown;
+    noOfPredText = std::string("0");
+    rStartText = std::string(Unknown);
+    rLengthText = std::string(Unknown);
     fStartText = state_.globalSDate;
-    fLengthText = DefaultLength;
-    eSize = DefaultEnsemble;
+    fLengthText = std::string(DefaultLength);
+    eSize = std::string(DefaultEnsemble);
     predictorFolder = state_.defaultDir;
     predictorList.clear();
-    autoRegressLabel = UnknownLabel;
-    processLabel = UnknownLabel;
+    autoRegressLabel = std::string(UnknownLabel);
+    processLabel = std::string(UnknownLabel);
 }
 
 void SynthesizeScreen::refreshGlobals() {

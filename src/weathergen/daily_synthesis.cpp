@@ -2,6 +2,7 @@
 
 #include "core/failure.hpp"
 
+#include <algorithm>
 #include <cmath>
 #include <stdexcept>
 #include <string>
@@ -112,7 +113,8 @@ DailySynthesis::DailySynthesis(const SynthesisModel& model, const SynthesisSetti
     : model_(model), settings_(settings), ensembleSize_(ensembleSize), random_(random),
       sample_(sample), predictorCount_(model.header.predictorCount),
       autoRegressive_(model.header.autoRegressive), conditional_(model.header.conditional),
-      transformCode_(model.header.transformCode) {
+      transformCode_(model.header.transformCode),
+      draws_(static_cast<size_t>(std::max(settings.precN, 1) * MaxEnsembleSize)) {
     if (ensembleSize < 1 || ensembleSize > MaxEnsembleSize) {
         throw std::invalid_argument("ensemble size " + std::to_string(ensembleSize) +
                                     " outside 1 to 100");
@@ -133,16 +135,22 @@ void DailySynthesis::startLaggedValues(int month) {
     lagged_.fill(model_.month(month).occurrence[0]);
 }
 
-double DailySynthesis::noise(double standardError) {
+double DailySynthesis::noise(const float* draws, double standardError) const {
     const int precN = settings_.precN;
     if (precN <= 0) {
         return 0.0;
     }
     float sum = 0.0f;
     for (int i = 0; i < precN; ++i) {
-        sum += random_.next();
+        sum += draws[i];
     }
     return (static_cast<double>(sum) - precN / 2.0) * standardError;
+}
+
+const float* DailySynthesis::drawNoiseFor(int members) {
+    const size_t count = static_cast<size_t>(std::max(settings_.precN, 0) * members);
+    random_.fill(draws_.data(), count);
+    return draws_.data();
 }
 
 double DailySynthesis::boxCoxAmount(double y, const MonthRows& rows) const {
@@ -203,12 +211,14 @@ void DailySynthesis::synthesizeDay(int month, const double* predictors, double* 
     const double lagCoefficient =
         autoRegressive_ ? occurrence[static_cast<size_t>(predictorCount_ + 1)] : 0.0;
     const double standardError = occurrence[static_cast<size_t>(c - 2)];
+    const int precN = std::max(settings_.precN, 0);
+    const float* draws = drawNoiseFor(ensembleSize_);
     for (int m = 0; m < ensembleSize_; ++m) {
         double value = regression;
         if (autoRegressive_) {
             value += lagCoefficient * lagged_[static_cast<size_t>(m)];
         }
-        const double drawn = noise(standardError);
+        const double drawn = noise(draws + m * precN, standardError);
         if (!conditional_) {
             value += drawn;
         }
@@ -224,14 +234,19 @@ void DailySynthesis::synthesizeDay(int month, const double* predictors, double* 
 
     if (conditional_) {
         std::array<bool, MaxEnsembleSize> wet{};
+        const bool stochastic = settings_.conditionalSelection == 1;
+        if (stochastic) {
+            random_.fill(draws_.data(), static_cast<size_t>(ensembleSize_));
+        }
+        int wetCount = 0;
         for (int m = 0; m < ensembleSize_; ++m) {
             const auto probability = static_cast<float>(memberValues[m]);
-            if (settings_.conditionalSelection == 1) {
-                const float u = random_.next();
-                wet[static_cast<size_t>(m)] = !(probability < u);
+            if (stochastic) {
+                wet[static_cast<size_t>(m)] = !(probability < draws_[static_cast<size_t>(m)]);
             } else {
                 wet[static_cast<size_t>(m)] = probability >= settings_.conditionalThresh;
             }
+            wetCount += wet[static_cast<size_t>(m)] ? 1 : 0;
             memberValues[m] = wet[static_cast<size_t>(m)] ? 1.0 : 0.0;
             lagged_[static_cast<size_t>(m)] = memberValues[m];
         }
@@ -244,11 +259,13 @@ void DailySynthesis::synthesizeDay(int month, const double* predictors, double* 
         const double scale = amount[1];
         const double amountError = amount[static_cast<size_t>(predictorCount_ + 2)];
         const double floor = static_cast<double>(settings_.thresh) + 0.001;
+        const float* amountDraws = drawNoiseFor(wetCount);
         for (int m = 0; m < ensembleSize_; ++m) {
             if (!wet[static_cast<size_t>(m)]) {
                 continue;
             }
-            const double y = scale * amountRegression + noise(amountError);
+            const double y = scale * amountRegression + noise(amountDraws, amountError);
+            amountDraws += precN;
             if (!std::isfinite(y)) {
                 overflowed(m);
             }

@@ -95,7 +95,10 @@ public:
     double laggedValue(int member) const { return lagged_[static_cast<size_t>(member - 1)]; }
 
 private:
-    double noise(double standardError);
+    // The noise of one member from its PrecN uniform numbers.
+    double noise(const float* draws, double standardError) const;
+    // Draws the uniform numbers of the noise of `members` members, PrecN each, in order.
+    const float* drawNoiseFor(int members);
     [[noreturn]] static void overflowed(int member);
     double amountFromTransformed(double y, const MonthRows& rows) const;
     double boxCoxAmount(double y, const MonthRows& rows) const;
@@ -110,6 +113,7 @@ private:
     bool conditional_;
     int transformCode_;
     std::array<double, MaxEnsembleSize> lagged_{};
+    std::vector<float> draws_; // room for the uniform numbers of one stage
 };
 
 } // namespace varo::weathergen
