@@ -1,5 +1,6 @@
 #include "core/number_format.hpp"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstdint>
@@ -9,23 +10,68 @@ namespace varo::core {
 
 namespace {
 
+// Up to 18 decimal digits held in place, so that formatting a value allocates nothing.
+class DigitString {
+public:
+    size_t size() const { return size_; }
+    bool empty() const { return size_ == 0; }
+    char& operator[](size_t i) { return digits_[i]; }
+    char operator[](size_t i) const { return digits_[i]; }
+    char back() const { return digits_[size_ - 1]; }
+    void pop_back() { --size_; }
+    void push_back(char c) { digits_[size_++] = c; }
+    void clear() { size_ = 0; }
+    void resize(size_t size) { size_ = size; }
+    void prependOne() {
+        for (size_t i = size_; i > 0; --i) {
+            digits_[i] = digits_[i - 1];
+        }
+        digits_[0] = '1';
+        ++size_;
+    }
+    bool zerosFrom(size_t start) const {
+        for (size_t i = start; i < size_; ++i) {
+            if (digits_[i] != '0') {
+                return false;
+            }
+        }
+        return true;
+    }
+    std::string_view view() const { return {digits_, size_}; }
+
+private:
+    char digits_[24] = {};
+    size_t size_ = 0;
+};
+
 // A finite value as decimal digits: value = 0.d1d2...dn * 10^pointPos, sign apart.
 struct DecimalDigits {
     bool negative = false;
-    std::string digits; // no leading zeros; "0" is represented by empty digits
+    DigitString digits; // no leading zeros; zero has no digits
     int pointPos = 0;   // digits before the decimal point
 };
 
 // Scientific text of a value as mantissa digits (point dropped) and decimal exponent.
-void splitScientific(std::string_view text, std::string& digits, int& exponent) {
-    const size_t ePos = text.find('e');
+void splitScientific(std::string_view text, DigitString& digits, int& exponent) {
     digits.clear();
-    for (char c : text.substr(0, ePos)) {
-        if (c != '.') {
-            digits += c;
+    size_t i = 0;
+    for (; i < text.size() && text[i] != 'e'; ++i) {
+        if (text[i] != '.') {
+            digits.push_back(text[i]);
         }
     }
-    exponent = std::atoi(std::string(text.substr(ePos + 1)).c_str());
+    ++i; // past the 'e'
+    const bool negative = i < text.size() && text[i] == '-';
+    if (i < text.size() && (text[i] == '-' || text[i] == '+')) {
+        ++i;
+    }
+    exponent = 0;
+    for (; i < text.size(); ++i) {
+        exponent = exponent * 10 + (text[i] - '0');
+    }
+    if (negative) {
+        exponent = -exponent;
+    }
 }
 
 // Shortest round-trip digits of a float or double, rounded to maxSignificant places when
@@ -66,26 +112,27 @@ void roundDigits(DecimalDigits& number, int decimals) {
         number.digits.clear();
         return;
     }
-    const char next = number.digits[keep];
+    const auto at = [&number](int i) { return number.digits[static_cast<size_t>(i)]; };
+    const char next = at(keep);
     bool roundUp = false;
     if (next > '5') {
         roundUp = true;
     } else if (next == '5') {
-        const bool restZero = number.digits.find_first_not_of('0', keep + 1) == std::string::npos;
-        const bool previousOdd = keep > 0 && ((number.digits[keep - 1] - '0') % 2 == 1);
+        const bool restZero = number.digits.zerosFrom(static_cast<size_t>(keep) + 1);
+        const bool previousOdd = keep > 0 && ((at(keep - 1) - '0') % 2 == 1);
         roundUp = !restZero || previousOdd;
     }
-    number.digits.resize(keep);
+    number.digits.resize(static_cast<size_t>(keep));
     if (roundUp) {
         int i = keep - 1;
-        while (i >= 0 && number.digits[i] == '9') {
-            number.digits[i] = '0';
+        while (i >= 0 && at(i) == '9') {
+            number.digits[static_cast<size_t>(i)] = '0';
             --i;
         }
         if (i >= 0) {
-            ++number.digits[i];
+            ++number.digits[static_cast<size_t>(i)];
         } else {
-            number.digits.insert(number.digits.begin(), '1');
+            number.digits.prependOne();
             ++number.pointPos;
         }
     }
@@ -99,7 +146,7 @@ char digitAt(const DecimalDigits& number, int position) {
     if (position < 0 || position >= static_cast<int>(number.digits.size())) {
         return '0';
     }
-    return number.digits[position];
+    return number.digits[static_cast<size_t>(position)];
 }
 
 void appendFixed(std::string& out, const DecimalDigits& number, int minIntegerDigits, int decimals,
@@ -107,24 +154,14 @@ void appendFixed(std::string& out, const DecimalDigits& number, int minIntegerDi
     if (number.negative && !number.digits.empty()) {
         out += '-';
     }
-    std::string integer;
-    for (int i = 0; i < number.pointPos; ++i) {
-        integer += digitAt(number, i);
-    }
-    while (static_cast<int>(integer.size()) < minIntegerDigits) {
-        integer.insert(integer.begin(), '0');
-    }
-    if (grouping && integer.size() > 3) {
-        std::string grouped;
-        for (size_t i = 0; i < integer.size(); ++i) {
-            if (i > 0 && (integer.size() - i) % 3 == 0) {
-                grouped += ',';
-            }
-            grouped += integer[i];
+    // Integer places: the value's own, or the pattern's required zeros when more.
+    const int places = std::max(number.pointPos, minIntegerDigits);
+    for (int place = places; place > 0; --place) {
+        out += digitAt(number, number.pointPos - place);
+        if (grouping && place > 1 && (place - 1) % 3 == 0) {
+            out += ',';
         }
-        integer = grouped;
     }
-    out += integer;
     if (decimals > 0) {
         out += '.';
         for (int i = 0; i < decimals; ++i) {
@@ -153,27 +190,29 @@ std::string generalFromDigits(const DecimalDigits& number) {
         out += '-';
     }
     const int exponent = number.pointPos - 1;
+    const std::string_view digits = number.digits.view();
     if (exponent < -4 || exponent >= 15) {
-        out += number.digits[0];
-        if (number.digits.size() > 1) {
+        out += digits[0];
+        if (digits.size() > 1) {
             out += '.';
-            out.append(number.digits, 1);
+            out += digits.substr(1);
         }
         appendExponent(out, exponent);
         return out;
     }
-    const int count = static_cast<int>(number.digits.size());
+    const auto count = static_cast<int>(digits.size());
     if (number.pointPos <= 0) {
         out += '.';
         out.append(static_cast<size_t>(-number.pointPos), '0');
-        out += number.digits;
+        out += digits;
     } else if (number.pointPos >= count) {
-        out += number.digits;
+        out += digits;
         out.append(static_cast<size_t>(number.pointPos - count), '0');
     } else {
-        out.append(number.digits, 0, number.pointPos);
+        const auto point = static_cast<size_t>(number.pointPos);
+        out += digits.substr(0, point);
         out += '.';
-        out.append(number.digits, number.pointPos);
+        out += digits.substr(point);
     }
     return out;
 }
@@ -186,12 +225,11 @@ std::string printedForm(const std::string& general) {
 }
 
 // The fixed-point form without grouping, as appendFixed(roundDigits(decimalDigits(value)))
-// gives it, but without building strings on the way: the OUT and PAR writers format
-// millions of numbers.
+// gives it, but faster: the OUT and PAR writers format millions of numbers.
 // Values of moderate size that lie clearly away from a rounding tie round the same on
 // their shortest digits as on their exact binary value: the shortest digits differ from
 // the value by at most half a unit in its last place, far less than the margin kept here.
-// Such values are scaled and rounded as integers; the rest take the digit path below.
+// Such values are scaled and rounded as integers; the rest take the general digit path.
 bool appendFixedScaled(std::string& out, double magnitude, bool negative, int minIntegerDigits,
                        int decimals) {
     static constexpr double Powers[] = {1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6};
@@ -227,86 +265,12 @@ bool appendFixedScaled(std::string& out, double magnitude, bool negative, int mi
 }
 
 void appendFixedUngrouped(std::string& out, double value, int minIntegerDigits, int decimals) {
-    const bool negative = std::signbit(value);
-    value = std::fabs(value);
-    if (appendFixedScaled(out, value, negative, minIntegerDigits, decimals)) {
+    if (appendFixedScaled(out, std::fabs(value), std::signbit(value), minIntegerDigits, decimals)) {
         return;
     }
-    // digits[0] stays free for a carry out of the first digit.
-    char digits[40];
-    int first = 1;
-    int count = 0;
-    int pointPos = 0;
-    if (value != 0) {
-        char text[40];
-        const char* end =
-            std::to_chars(text, text + sizeof text, value, std::chars_format::scientific).ptr;
-        const char* p = text;
-        digits[first + count++] = *p++;
-        if (*p == '.') {
-            for (++p; *p != 'e'; ++p) {
-                digits[first + count++] = *p;
-            }
-        }
-        ++p; // 'e'
-        const bool negativeExponent = *p == '-';
-        int exponent = 0;
-        for (++p; p < end; ++p) {
-            exponent = exponent * 10 + (*p - '0');
-        }
-        pointPos = (negativeExponent ? -exponent : exponent) + 1;
-        while (count > 0 && digits[first + count - 1] == '0') {
-            --count;
-        }
-    }
-    const int keep = pointPos + decimals;
-    if (keep < count) {
-        if (keep < 0) {
-            count = 0;
-        } else {
-            const char next = digits[first + keep];
-            const bool previousOdd = keep > 0 && (digits[first + keep - 1] - '0') % 2 == 1;
-            const bool roundUp = next > '5' || (next == '5' && (keep + 1 < count || previousOdd));
-            count = keep;
-            if (roundUp) {
-                int i = count - 1;
-                while (i >= 0 && digits[first + i] == '9') {
-                    digits[first + i] = '0';
-                    --i;
-                }
-                if (i >= 0) {
-                    ++digits[first + i];
-                } else {
-                    --first;
-                    digits[first] = '1';
-                    ++count;
-                    ++pointPos;
-                }
-            }
-            while (count > 0 && digits[first + count - 1] == '0') {
-                --count;
-            }
-        }
-    }
-    const auto digitAt = [&](int position) {
-        return position >= 0 && position < count ? digits[first + position] : '0';
-    };
-    if (negative && count > 0) {
-        out += '-';
-    }
-    const int integerDigits = pointPos > 0 ? pointPos : 0;
-    if (integerDigits < minIntegerDigits) {
-        out.append(static_cast<size_t>(minIntegerDigits - integerDigits), '0');
-    }
-    for (int i = 0; i < integerDigits; ++i) {
-        out += digitAt(i);
-    }
-    if (decimals > 0) {
-        out += '.';
-        for (int i = 0; i < decimals; ++i) {
-            out += digitAt(pointPos + i);
-        }
-    }
+    DecimalDigits number = decimalDigits(value, 0);
+    roundDigits(number, decimals);
+    appendFixed(out, number, minIntegerDigits, decimals, false);
 }
 
 } // namespace

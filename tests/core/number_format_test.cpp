@@ -141,3 +141,15 @@ TEST(PrintZones, PaddingCountsFromTheLineStart) {
     padToNextZone(text, 12);
     EXPECT_EQ(text, "first line\r\nab            ");
 }
+
+TEST(FormatPattern, ValuesNextToAHalfwayPointTakeTheirShortestDigits) {
+    // 1.2345 is stored a little below the halfway point and 1.2355 a little above it; on
+    // their shortest digits both are ties, and ties go to the even digit.
+    EXPECT_EQ(formatPattern(1.2345, "0.000"), "1.234");
+    EXPECT_EQ(formatPattern(1.2355, "0.000"), "1.236");
+    EXPECT_EQ(formatPattern(-1.2345, "0.000"), "-1.234");
+    EXPECT_EQ(formatPattern(999999.9995, "0.000"), "1000000.000");
+    EXPECT_EQ(formatPattern(1.23449, "0.000"), "1.234");
+    EXPECT_EQ(formatPattern(-7.0, "#####0.000"), "-7.000");
+    EXPECT_EQ(formatPattern(123.4564, "0.000000"), "123.456400");
+}
