@@ -26,9 +26,9 @@ nlohmann::ordered_json jsonReport(const screens::SynthesizeScreen& screen,
     nlohmann::ordered_json document;
     document["out"] = screen.outFilePath;
     document["sim"] = weathergen::simPathFor(screen.outFilePath);
-    document["start"] = screen.fStartText;
-    document["days"] = std::stol(screen.fLengthText);
-    document["ensemble"] = std::stoi(screen.eSize);
+    document["start"] = screen.fStartText.text;
+    document["days"] = std::stol(screen.fLengthText.text);
+    document["ensemble"] = std::stoi(screen.eSize.text);
     document["process"] = screen.processLabel;
     document["autoregressive"] = screen.autoRegressLabel == "True";
     document["predictand"] = screen.predictorList.empty() ? "" : screen.predictorList.front();
@@ -52,10 +52,10 @@ int runGenerate(CliContext& context, const GenerateOptions& options) {
     if (details != screens::RunOutcome::Done) {
         return exitCodeFor(details);
     }
-    screen.fStartText = options.start.value_or(context.state.globalSDate);
-    screen.fLengthText =
+    screen.fStartText.text = options.start.value_or(context.state.globalSDate);
+    screen.fLengthText.text =
         options.days.value_or(std::string(screens::SynthesizeScreen::DefaultLength));
-    screen.eSize =
+    screen.eSize.text =
         options.ensemble.value_or(std::string(screens::SynthesizeScreen::DefaultEnsemble));
     const auto outcome = screen.synthesize(context.dialogs(), context.progress());
     if (outcome == screens::RunOutcome::Done && context.options.json) {

@@ -60,9 +60,9 @@ void SynthesizeScreen::reset() {
     noOfPredText = std::string("0");
     rStartText = std::string(Unknown);
     rLengthText = std::string(Unknown);
-    fStartText = state_.globalSDate;
-    fLengthText = std::string(DefaultLength);
-    eSize = std::string(DefaultEnsemble);
+    fStartText.reset(state_.globalSDate);
+    fLengthText.reset(std::string(DefaultLength));
+    eSize.reset(std::string(DefaultEnsemble));
     predictorFolder = state_.defaultDir;
     predictorList.clear();
     autoRegressLabel = std::string(UnknownLabel);
@@ -70,7 +70,7 @@ void SynthesizeScreen::reset() {
 }
 
 void SynthesizeScreen::refreshGlobals() {
-    fStartText = state_.globalSDate;
+    fStartText.reset(state_.globalSDate);
 }
 
 void SynthesizeScreen::cleanup() {
@@ -120,34 +120,34 @@ RunOutcome SynthesizeScreen::viewDetails(Dialogs& dialogs) {
             weathergen::ParameterFileReader reader(parFilePath);
             const weathergen::ParameterHeader header = reader.readHeader();
             showHeader(header, false);
-            fStartText = header.fitStartText;
-            fLengthText = std::to_string(header.fitLength);
+            fStartText.reset(header.fitStartText);
+            fLengthText.reset(std::to_string(header.fitLength));
             return RunOutcome::Done;
         },
         [&] { cleanup(); });
 }
 
 bool SynthesizeScreen::checkEnsembleSize(Dialogs& dialogs) {
-    if (!core::isNumeric(eSize)) {
+    if (!core::isNumeric(eSize.text)) {
         dialogs.error("Ensemble Size must be a value between 1 and 100.");
-        eSize = DefaultEnsemble;
+        eSize.reset(std::string(DefaultEnsemble));
         return false;
     }
-    const double size = core::leadingNumber(eSize);
+    const double size = core::leadingNumber(eSize.text);
     if (size > weathergen::MaxEnsembleSize || size < 1) {
         dialogs.error("Ensemble Size must be between 1 and 100.");
-        eSize = DefaultEnsemble;
+        eSize.reset(std::string(DefaultEnsemble));
         return false;
     }
-    eSize = std::to_string(core::roundHalfEven(size));
+    eSize.reset(std::to_string(core::roundHalfEven(size)));
     return true;
 }
 
 bool SynthesizeScreen::checkFitStart(Dialogs& dialogs) {
-    const auto fitStart = core::parseDate(fStartText);
+    const auto fitStart = core::parseDate(fStartText.text);
     if (!fitStart) {
         dialogs.error("Fit start date is invalid - it must be in the format dd/mm/yyyy.");
-        fStartText = state_.globalSDate;
+        fStartText.reset(state_.globalSDate);
         return false;
     }
     const auto recordStart = core::parseDate(rStartText);
@@ -160,16 +160,16 @@ bool SynthesizeScreen::checkFitStart(Dialogs& dialogs) {
     if (core::dayDifference(*recordStart, *fitStart) < 0) {
         dialogs.message(WarningTitle, "Fit start date should be later than record start date.",
                         Icon::Warning);
-        fStartText = rStartText;
+        fStartText.reset(rStartText);
         return false;
     }
     return true;
 }
 
 bool SynthesizeScreen::checkFitLength(Dialogs& dialogs) {
-    if (!core::isNumeric(fLengthText)) {
+    if (!core::isNumeric(fLengthText.text)) {
         dialogs.error("Fit length is invalid - it must be a numeric.");
-        fLengthText = DefaultLength;
+        fLengthText.reset(std::string(DefaultLength));
         return false;
     }
     if (!core::isNumeric(rLengthText)) {
@@ -177,20 +177,20 @@ bool SynthesizeScreen::checkFitLength(Dialogs& dialogs) {
                         Icon::Warning);
         return false;
     }
-    const double length = core::leadingNumber(fLengthText);
+    const double length = core::leadingNumber(fLengthText.text);
     if (length > core::leadingNumber(rLengthText)) {
         dialogs.message(WarningTitle, "Fit length should be shorter than record length.",
                         Icon::Warning);
-        fLengthText = rLengthText;
+        fLengthText.reset(rLengthText);
         return false;
     }
     // A run of no days would leave a description of nothing; refused like a bad number.
     if (core::roundHalfEven(length) < 1) {
         dialogs.error("Fit length must be at least one day.");
-        fLengthText = DefaultLength;
+        fLengthText.reset(std::string(DefaultLength));
         return false;
     }
-    fLengthText = std::to_string(core::roundHalfEven(length));
+    fLengthText.reset(std::to_string(core::roundHalfEven(length)));
     return true;
 }
 
@@ -218,9 +218,9 @@ RunOutcome SynthesizeScreen::synthesize(Dialogs& dialogs, core::Progress& progre
     request.parameterPath = parFilePath;
     request.predictorFolder = predictorFolder;
     request.outPath = outFilePath;
-    request.start = *core::parseDate(fStartText);
-    request.days = static_cast<long>(core::leadingNumber(fLengthText));
-    request.ensembleSize = static_cast<int>(core::leadingNumber(eSize));
+    request.start = *core::parseDate(fStartText.text);
+    request.days = static_cast<long>(core::leadingNumber(fLengthText.text));
+    request.ensembleSize = static_cast<int>(core::leadingNumber(eSize.text));
     return guardedRun(
         dialogs,
         [&] {

@@ -12,6 +12,7 @@
 #include "core/progress.hpp"
 #include "screens/dialogs.hpp"
 #include "screens/screen_run.hpp"
+#include "screens/text_field.hpp"
 
 #include <string>
 #include <string_view>
@@ -42,9 +43,9 @@ public:
     std::string noOfPredText{"0"};
     std::string rStartText{Unknown};
     std::string rLengthText{Unknown};
-    std::string fStartText;
-    std::string fLengthText{DefaultLength};
-    std::string eSize{DefaultEnsemble};
+    TextField fStartText;
+    TextField fLengthText{std::string(DefaultLength)};
+    TextField eSize{std::string(DefaultEnsemble)};
     std::string predictorFolder;            // Dir2
     std::vector<std::string> predictorList; // the predictand's name, then the predictors'
     std::string autoRegressLabel{UnknownLabel};

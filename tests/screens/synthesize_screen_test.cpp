@@ -47,8 +47,8 @@ struct SynthesizeFixture : ::testing::Test {
         screen.setPredictorFolder(Data);
         screen.chooseOutFile(dir.path("run.OUT"));
         EXPECT_EQ(screen.viewDetails(dialogs), RunOutcome::Done);
-        screen.fStartText = "27/02/1960";
-        screen.fLengthText = "10";
+        screen.fStartText.text = "27/02/1960";
+        screen.fLengthText.text = "10";
         return screen;
     }
 
@@ -93,8 +93,8 @@ TEST_F(SynthesizeFixture, ViewDetailsFillsTheScreenFromBothFileForms) {
     EXPECT_EQ(screen.noOfPredText, "2");
     EXPECT_EQ(screen.rStartText, "01/01/1960");
     EXPECT_EQ(screen.rLengthText, "10000");
-    EXPECT_EQ(screen.fStartText, "01/01/1960");
-    EXPECT_EQ(screen.fLengthText, "3650");
+    EXPECT_EQ(screen.fStartText.text, "01/01/1960");
+    EXPECT_EQ(screen.fLengthText.text, "3650");
     EXPECT_EQ(screen.processLabel, "Unconditional");
     EXPECT_EQ(screen.autoRegressLabel, "True");
     EXPECT_EQ(screen.predictorList,
@@ -112,50 +112,50 @@ TEST_F(SynthesizeFixture, ViewDetailsFillsTheScreenFromBothFileForms) {
 
 TEST_F(SynthesizeFixture, EnsembleSizeIsCheckedFirstAndResetToTwenty) {
     screens::SynthesizeScreen screen(state); // nothing chosen at all
-    screen.eSize = "";
+    screen.eSize.text = "";
     expectRefused(screen, "Error Message", "Ensemble Size must be a value between 1 and 100.");
-    EXPECT_EQ(screen.eSize, "20");
+    EXPECT_EQ(screen.eSize.text, "20");
     for (const char* size : {"100.5", "0.9", "-3"}) {
-        screen.eSize = size;
+        screen.eSize.text = size;
         expectRefused(screen, "Error Message", "Ensemble Size must be between 1 and 100.");
-        EXPECT_EQ(screen.eSize, "20");
+        EXPECT_EQ(screen.eSize.text, "20");
     }
 }
 
 TEST_F(SynthesizeFixture, FitPeriodNeedsTheRecordFieldsOfViewDetails) {
     screens::SynthesizeScreen screen(state);
-    screen.fStartText = "31/02/1961";
+    screen.fStartText.text = "31/02/1961";
     expectRefused(screen, "Error Message",
                   "Fit start date is invalid - it must be in the format dd/mm/yyyy.");
-    EXPECT_EQ(screen.fStartText, state.globalSDate);
+    EXPECT_EQ(screen.fStartText.text, state.globalSDate);
     expectRefused(screen, "Warning",
                   "Please check that fit start date is later than record start date.");
     screen.rStartText = "01/01/1960";
-    screen.fLengthText = "ten";
+    screen.fLengthText.text = "ten";
     expectRefused(screen, "Error Message", "Fit length is invalid - it must be a numeric.");
-    EXPECT_EQ(screen.fLengthText, "365");
+    EXPECT_EQ(screen.fLengthText.text, "365");
     expectRefused(screen, "Warning", "Please check that fit length is shorter than record length.");
 }
 
 TEST_F(SynthesizeFixture, FitPeriodOutsideTheRecordTakesTheRecordValues) {
     screens::SynthesizeScreen screen = readyScreen();
-    screen.fStartText = "31/12/1959";
+    screen.fStartText.text = "31/12/1959";
     expectRefused(screen, "Warning", "Fit start date should be later than record start date.");
-    EXPECT_EQ(screen.fStartText, "01/01/1960");
-    screen.fLengthText = "10000.5";
+    EXPECT_EQ(screen.fStartText.text, "01/01/1960");
+    screen.fLengthText.text = "10000.5";
     expectRefused(screen, "Warning", "Fit length should be shorter than record length.");
-    EXPECT_EQ(screen.fLengthText, "10000");
-    screen.fLengthText = "0.4";
+    EXPECT_EQ(screen.fLengthText.text, "10000");
+    screen.fLengthText.text = "0.4";
     expectRefused(screen, "Error Message", "Fit length must be at least one day.");
-    EXPECT_EQ(screen.fLengthText, "365");
+    EXPECT_EQ(screen.fLengthText.text, "365");
 }
 
 TEST_F(SynthesizeFixture, OutputFileAndParameterFileAreCheckedLast) {
     screens::SynthesizeScreen screen = readyScreen();
-    screen.fLengthText = "10000"; // equal to the record length passes
+    screen.fLengthText.text = "10000"; // equal to the record length passes
     screen.outFilePath.clear();
     expectRefused(screen, "Error Message", "You must select a suitable output file to save to.");
-    EXPECT_EQ(screen.fLengthText, "10000");
+    EXPECT_EQ(screen.fLengthText.text, "10000");
     screen.chooseOutFile(dir.path("run.SIM"));
     expectRefused(screen, "Error Message",
                   "The output file's name must not end in SIM: the description file beside it "
@@ -168,14 +168,14 @@ TEST_F(SynthesizeFixture, OutputFileAndParameterFileAreCheckedLast) {
 TEST_F(SynthesizeFixture, RunWritesBothFilesAndSaysSoUnderResults) {
     state.precN = 0;
     screens::SynthesizeScreen screen = readyScreen();
-    screen.fStartText = "27/2/1960";
-    screen.eSize = "2.6";
+    screen.fStartText.text = "27/2/1960";
+    screen.eSize.text = "2.6";
     dialogs.messages.clear();
     ASSERT_EQ(screen.synthesize(dialogs, progress), RunOutcome::Done) << dialogs.lastText();
     ASSERT_EQ(dialogs.messages.size(), 1u);
     EXPECT_EQ(dialogs.messages[0].title, "Results");
     EXPECT_EQ(dialogs.messages[0].text, "Synthesis completed.");
-    EXPECT_EQ(screen.eSize, "3");
+    EXPECT_EQ(screen.eSize.text, "3");
     // The same first ten days as the reference run of 3 members, and its description.
     const std::string reference = readFile(Data + "/reg.OUT");
     EXPECT_EQ(readFile(dir.path("run.OUT")), reference.substr(0, 10 * 44));
@@ -185,12 +185,12 @@ TEST_F(SynthesizeFixture, RunWritesBothFilesAndSaysSoUnderResults) {
 
 TEST_F(SynthesizeFixture, EnsembleOfThreePointSixRunsFourMembers) {
     screens::SynthesizeScreen screen = readyScreen();
-    screen.fStartText = "01/01/1960"; // the record start: nothing to skip, no warning
-    screen.eSize = "3.6";
+    screen.fStartText.text = "01/01/1960"; // the record start: nothing to skip, no warning
+    screen.eSize.text = "3.6";
     dialogs.messages.clear();
     ASSERT_EQ(screen.synthesize(dialogs, progress), RunOutcome::Done) << dialogs.lastText();
     EXPECT_EQ(dialogs.messages.size(), 1u);
-    EXPECT_EQ(screen.eSize, "4");
+    EXPECT_EQ(screen.eSize.text, "4");
     const std::string out = readFile(dir.path("run.OUT"));
     EXPECT_EQ(out.find("\r\n"), 4u * 14);
     EXPECT_NE(readFile(dir.path("run.SIM")).find("\r\n 4 \r\n"), std::string::npos);
@@ -225,7 +225,7 @@ TEST_F(SynthesizeFixture, CancelEndsSilentlyWithTheDaysWrittenAndAnEmptySim) {
 TEST_F(SynthesizeFixture, ResetPutsEveryFieldBack) {
     screens::SynthesizeScreen screen = readyScreen();
     state.globalSDate = "01/01/1971";
-    screen.eSize = "7";
+    screen.eSize.text = "7";
     screen.reset();
     EXPECT_EQ(screen.parFileText, "Not selected");
     EXPECT_EQ(screen.outFileText, "Not selected");
@@ -233,9 +233,9 @@ TEST_F(SynthesizeFixture, ResetPutsEveryFieldBack) {
     EXPECT_EQ(screen.noOfPredText, "0");
     EXPECT_EQ(screen.rStartText, "unknown");
     EXPECT_EQ(screen.rLengthText, "unknown");
-    EXPECT_EQ(screen.fStartText, "01/01/1971");
-    EXPECT_EQ(screen.fLengthText, "365");
-    EXPECT_EQ(screen.eSize, "20");
+    EXPECT_EQ(screen.fStartText.text, "01/01/1971");
+    EXPECT_EQ(screen.fLengthText.text, "365");
+    EXPECT_EQ(screen.eSize.text, "20");
     EXPECT_EQ(screen.predictorFolder, dir.folder());
     EXPECT_TRUE(screen.predictorList.empty());
     EXPECT_EQ(screen.autoRegressLabel, "Unknown");
