@@ -7,7 +7,7 @@
 //   weathergen_bench --workload DIR YEARS  writes model.PAR and the 12 predictor files
 //                                          for YEARS years from 01/01/1961 into DIR
 //                                          (used by peers/weathergen_memory.sh)
-#include "core/number_format.hpp"
+#include "calibration/parameter_file.hpp"
 #include "core/program_state.hpp"
 #include "core/series_file.hpp"
 #include "weathergen/simulation_files.hpp"
@@ -30,44 +30,40 @@ constexpr int Predictors = 12;
 constexpr int Members = 100;
 constexpr long Days100Years = 36525;
 
-std::string zonedRow(const std::vector<double>& values, bool padLast) {
-    std::string line;
-    for (size_t i = 0; i < values.size(); ++i) {
-        line += core::formatPattern(values[i], "####0.000");
-        if (padLast || i + 1 < values.size()) {
-            core::padToNextZone(line, 0);
-        }
-    }
-    return line;
-}
-
 // A monthly conditional Box-Cox model on predictors p01.dat .. p12.dat, record from
 // 01/01/1961, with about four wet days in ten.
-std::string modelText(long days) {
-    std::string text = " 12 \r\n 12 \r\n 366 \r\n01/01/1961\r\n " + std::to_string(days) +
-                       " \r\n01/01/1961\r\n 3650 \r\n#TRUE#\r\n5\r\n 1 \r\nFalse\r\nrain.dat\r\n";
+calibration::ParameterFile model(long days) {
+    calibration::ParameterFile file;
+    file.recordStart = "01/01/1961";
+    file.recordDays = days;
+    file.fitStart = "01/01/1961";
+    file.fitDays = 3650;
+    file.conditional = true;
+    file.transformation = static_cast<float>(calibration::BoxCoxTransformation);
+    file.predictandName = "rain.dat";
+    file.predictandPath = "C:\\DATA\\rain.dat";
     for (int i = 1; i <= Predictors; ++i) {
         char name[16];
         std::snprintf(name, sizeof name, "p%02d.dat", i);
-        text += std::string(name) + "\r\n";
+        file.predictorNames.emplace_back(name);
     }
-    for (int month = 1; month <= 12; ++month) {
-        std::vector<double> row = {0.38 + 0.005 * month};
+    for (int m = 1; m <= 12; ++m) {
+        auto& month = file.months[static_cast<size_t>(m - 1)];
+        month.coefficients = {0.38 + 0.005 * m};
+        auto& amount = file.amounts[static_cast<size_t>(m - 1)];
+        amount.constant = 0.9;
+        amount.meanRatio = 1.0;
         for (int i = 1; i <= Predictors; ++i) {
-            row.push_back((i % 2 == 0 ? 0.02 : -0.015) * i);
+            month.coefficients.push_back((i % 2 == 0 ? 0.02 : -0.015) * i);
+            amount.coefficients.push_back((i % 3 == 0 ? -0.04 : 0.03) * i / 4.0);
         }
-        row.insert(row.end(), {0.0, 0.35, 0.25 + 0.01 * month, 0.4});
-        text += zonedRow(row, false) + "\r\n";
+        month.rSquared = 0.35;
+        month.lamda = 0.25 + 0.01 * m;
+        month.shift = 0.4;
+        amount.standardError = 0.45;
+        amount.rSquared = 0.3;
     }
-    for (int month = 1; month <= 12; ++month) {
-        std::vector<double> row = {0.9, 1.0};
-        for (int i = 1; i <= Predictors; ++i) {
-            row.push_back((i % 3 == 0 ? -0.04 : 0.03) * i / 4.0);
-        }
-        row.insert(row.end(), {0.45, 0.3});
-        text += zonedRow(row, true) + "\r\n";
-    }
-    return text + "C:\\DATA\\rain.dat\r\n";
+    return file;
 }
 
 void writeText(const std::string& path, const std::string& text) {
@@ -78,7 +74,7 @@ void writeText(const std::string& path, const std::string& text) {
 
 void writeWorkload(const std::string& folder, long days) {
     std::filesystem::create_directories(folder);
-    writeText(folder + "/model.PAR", modelText(days));
+    calibration::writeParameterFile(folder + "/model.PAR", model(days));
     std::mt19937 engine(1961);
     std::normal_distribution<double> normal(0.0, 1.0);
     for (int i = 1; i <= Predictors; ++i) {

@@ -1,3 +1,4 @@
+#include "calibration/parameter_file.hpp"
 #include "core/failure.hpp"
 #include "support/temp_dir.hpp"
 #include "weathergen/synthesis_model.hpp"
@@ -117,4 +118,58 @@ TEST(ParameterReading, BadFilesNameTheFileLineAndValue) {
     const std::string shortRow = "0.500         1.000         \r\n";
     expectFailure(dir.write("i.PAR", header() + shortRow + rows), core::failure::TypeMismatch,
                   "holds '', not a number; the row needs 6 values");
+}
+
+TEST(ParameterReading, ReadsWhatCalibrationWrites) {
+    // The calibration's writer and the generator's zone reader are separate codes of the
+    // same format; a conditional, autoregressive Box-Cox model must come back whole.
+    calibration::ParameterFile written;
+    written.recordStart = "01/01/1961";
+    written.recordDays = 10957;
+    written.fitStart = "1/1/1971";
+    written.fitDays = 3652;
+    written.conditional = true;
+    written.transformation = 5.0f;
+    written.autoregression = true;
+    written.predictandName = "rain.dat";
+    written.predictorNames = {"ncep_mslp.dat", "ncep_p500.dat", "ncep_shum.dat"};
+    written.predictandPath = "/data/rain.dat";
+    for (int m = 0; m < 12; ++m) {
+        auto& month = written.months[static_cast<size_t>(m)];
+        month.coefficients = {0.4 + m * 0.01, -1234.5678, 0.25, -0.0004, 0.3};
+        month.standardError = 0.0;
+        month.rSquared = 0.31;
+        month.lamda = m % 2 == 0 ? 0.0 : 0.125 * m;
+        month.shift = -0.5 * m;
+        auto& amount = written.amounts[static_cast<size_t>(m)];
+        amount.constant = 1.5;
+        amount.meanRatio = 0.987;
+        amount.coefficients = {0.125 * m, -99999.999, 2.0};
+        amount.standardError = 0.75;
+        amount.rSquared = 0.2;
+    }
+    TempDir dir;
+    calibration::writeParameterFile(dir.path("cal.PAR"), written);
+    const auto read = weathergen::readSynthesisModel(dir.path("cal.PAR"));
+    EXPECT_EQ(read.header.predictorCount, 3);
+    EXPECT_EQ(read.header.fitStartText, "1/1/1971");
+    EXPECT_TRUE(read.header.conditional && read.header.autoRegressive);
+    EXPECT_EQ(read.header.transformCode, weathergen::TransformBoxCox);
+    EXPECT_EQ(read.header.predictorNames, written.predictorNames);
+    for (int m = 0; m < 12; ++m) {
+        const auto& month = read.months[static_cast<size_t>(m)];
+        const auto& source = written.months[static_cast<size_t>(m)];
+        ASSERT_EQ(month.occurrence.size(), 7u) << m;
+        for (size_t i = 0; i < 5; ++i) {
+            EXPECT_NEAR(month.occurrence[i], source.coefficients[i], 0.0005) << m << " " << i;
+        }
+        EXPECT_EQ(month.occurrence[5], 0.0);
+        EXPECT_EQ(month.occurrence[6], 0.31);
+        EXPECT_NEAR(month.lamda, source.lamda, 0.0005) << m;
+        EXPECT_EQ(month.shift, source.shift) << m;
+        const auto& amount = written.amounts[static_cast<size_t>(m)];
+        EXPECT_EQ(month.amount, (std::vector<double>{1.5, 0.987, amount.coefficients[0], -99999.999,
+                                                     2.0, 0.75, 0.2}))
+            << m;
+    }
 }
