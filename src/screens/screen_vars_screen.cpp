@@ -105,7 +105,7 @@ void ScreenVarsScreen::setPredictorFolder(const std::string& folder) {
     predictorFolder = folder;
     predictorFiles.clear();
     selectedPredictors.clear();
-    noOfFiles = "0";
+    noOfFiles = std::to_string(selectedPredictors.size());
     std::error_code error;
     for (fs::directory_iterator it(folder, error), end; !error && it != end; it.increment(error)) {
         if (it->is_regular_file(error)) {
