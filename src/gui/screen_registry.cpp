@@ -1,7 +1,9 @@
 #include "gui/screen_registry.hpp"
 
 #include "gui/quality_widget.hpp"
+#include "gui/screen_vars_widget.hpp"
 #include "gui/synthesize_widget.hpp"
+#include "gui/transform_widget.hpp"
 
 namespace varo::gui {
 
@@ -9,6 +11,8 @@ const std::map<screens::ScreenKey, ScreenFactory>& screenFactories() {
     using screens::ScreenKey;
     static const std::map<ScreenKey, ScreenFactory> factories = {
         {ScreenKey::Quality, [](ScreenContext& context) { return new QualityWidget(context); }},
+        {ScreenKey::Transform, [](ScreenContext& context) { return new TransformWidget(context); }},
+        {ScreenKey::Screen, [](ScreenContext& context) { return new ScreenVarsWidget(context); }},
         {ScreenKey::WeatherGen,
          [](ScreenContext& context) { return new SynthesizeWidget(context); }},
     };

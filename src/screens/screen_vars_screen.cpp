@@ -64,8 +64,7 @@ void ScreenVarsScreen::reset() {
     ptandText = NotSelected;
     predictandPath.clear();
     setPredictorFolder(state_.defaultDir);
-    sDate = state_.globalSDate;
-    eDate = state_.globalEDate;
+    refreshGlobals();
     fsDate.reset(state_.globalSDate);
     feDate.reset(state_.globalEDate);
     datesCombo = 0;
@@ -74,6 +73,11 @@ void ScreenVarsScreen::reset() {
     sigLevelText.reset("0.05");
     sigLevel = 0.05f;
     clearResults();
+}
+
+void ScreenVarsScreen::refreshGlobals() {
+    sDate = state_.globalSDate;
+    eDate = state_.globalEDate;
 }
 
 void ScreenVarsScreen::clearResults() {

@@ -87,6 +87,8 @@ public:
     RunOutcome explainVariance(Dialogs& dialogs, core::Progress& progress);
 
     void reset();
+    // Shows the record's dates afresh after the settings changed.
+    void refreshGlobals();
 
 private:
     bool checkSelection(Dialogs& dialogs, bool limitTo12);
