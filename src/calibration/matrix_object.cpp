@@ -4,6 +4,7 @@
 
 #include <Eigen/LU>
 #include <algorithm>
+#include <cmath>
 #include <numeric>
 #include <string>
 #include <vector>
@@ -107,7 +108,10 @@ void MatrixObject::sortRows(int keyColumn) {
     std::vector<int> order(static_cast<size_t>(rows()));
     std::iota(order.begin(), order.end(), 0);
     const auto key = cells_.col(keyColumn);
-    std::stable_sort(order.begin(), order.end(), [&](int a, int b) { return key(a) < key(b); });
+    // A value that is not a number sorts last, so that the order stays well defined.
+    std::stable_sort(order.begin(), order.end(), [&](int a, int b) {
+        return key(a) < key(b) || (!std::isnan(key(a)) && std::isnan(key(b)));
+    });
     Eigen::MatrixXd sorted(rows(), columns());
     for (int r = 0; r < rows(); ++r) {
         sorted.row(r) = cells_.row(order[static_cast<size_t>(r)]);

@@ -1,0 +1,243 @@
+#include "calibration/model_transforms.hpp"
+
+#include "core/notices.hpp"
+
+#include <cmath>
+#include <gtest/gtest.h>
+#include <vector>
+
+using namespace varo::calibration;
+
+namespace {
+
+constexpr double Missing = -999.0;
+
+MatrixObject column(const std::vector<double>& values) {
+    MatrixObject m(static_cast<int>(values.size()), 1);
+    for (size_t r = 0; r < values.size(); ++r) {
+        m.setValue(static_cast<int>(r), 0, values[r]);
+    }
+    return m;
+}
+
+std::vector<double> values(const MatrixObject& m, int col = 0) {
+    std::vector<double> out;
+    for (int r = 0; r < m.rows(); ++r) {
+        out.push_back(m.getValue(r, col));
+    }
+    return out;
+}
+
+// X with a constant column and the row number, so that moved rows can be recognised.
+MatrixObject rowNumbers(int n) {
+    MatrixObject x(n, 2);
+    for (int r = 0; r < n; ++r) {
+        x.setValue(r, 0, 1.0);
+        x.setValue(r, 1, r);
+    }
+    return x;
+}
+
+// A skewed sample: exp of evenly spread normal-like scores.
+std::vector<double> lognormalSample(int n) {
+    std::vector<double> out;
+    for (int i = 1; i <= n; ++i) {
+        const double u = (i - 0.5) / n;
+        // A logistic stand-in for the normal quantile; symmetric, which is what matters.
+        out.push_back(std::exp(0.6 * std::log(u / (1 - u))));
+    }
+    return out;
+}
+
+} // namespace
+
+TEST(ConditionalProcess, WetMeansAboveTheThresholdInSinglePrecision) {
+    MatrixObject y = column({0.0, 0.000001, 0.3, 0.30000001, -1.0});
+    makeOccurrence(y, 0.0f);
+    EXPECT_EQ(values(y), (std::vector<double>{0, 1, 1, 1, 0}));
+    // 0.30000001 rounds to the single-precision 0.3 and is no event above a threshold of 0.3.
+    MatrixObject atThreshold = column({0.3, 0.30000001, 0.3000001});
+    makeOccurrence(atThreshold, 0.3f);
+    EXPECT_EQ(values(atThreshold), (std::vector<double>{0, 0, 1}));
+}
+
+TEST(ConditionalProcess, KeepWetDaysCompactsRowsInOrder) {
+    MatrixObject x = rowNumbers(6);
+    MatrixObject y = column({0.0, 2.0, 0.0, 0.0, 5.0, 0.1});
+    keepWetDays(x, y, 0.0f);
+    EXPECT_EQ(values(y), (std::vector<double>{2.0, 5.0, 0.1}));
+    EXPECT_EQ(values(x, 1), (std::vector<double>{1, 4, 5}));
+    EXPECT_EQ(x.rows(), 3);
+    MatrixObject dryX = rowNumbers(3);
+    MatrixObject dry = column({0, 0, 0});
+    keepWetDays(dryX, dry, 0.0f);
+    EXPECT_EQ(dry.rows(), 0);
+}
+
+TEST(ModelTransformation, RootAndLogDropNegativeAmountsOrStopSilently) {
+    std::vector<double> amounts(15, 16.0);
+    amounts[3] = -2.0;
+    MatrixObject x = rowNumbers(15);
+    MatrixObject y = column(amounts);
+    const auto root = applyModelTransformation(x, y, TransformFourthRoot, Missing, "January");
+    ASSERT_EQ(y.rows(), 14);
+    EXPECT_EQ(y.getValue(3, 0), 2.0);
+    EXPECT_EQ(x.getValue(3, 1), 4.0); // row 3 went, and its predictors with it
+
+    for (int r : {0, 5, 7, 9}) {
+        amounts[static_cast<size_t>(r)] = -1.0;
+    }
+    MatrixObject x5 = rowNumbers(15);
+    MatrixObject y5 = column(amounts);
+    try {
+        applyModelTransformation(x5, y5, TransformLog, Missing, "March");
+        FAIL();
+    } catch (const SilentStop& stop) {
+        EXPECT_NE(std::string(stop.what()).find("Only 10 amounts of March"), std::string::npos);
+    }
+
+    MatrixObject xl = rowNumbers(2);
+    MatrixObject yl = column({std::exp(1.5), 1.0});
+    const auto log = applyModelTransformation(xl, yl, TransformLog, Missing, "May");
+    EXPECT_DOUBLE_EQ(yl.getValue(0, 0), 1.5);
+    EXPECT_EQ(yl.rows(), 2); // no negatives: nothing is dropped, however few the rows
+
+    MatrixObject observed = column({2.0, Missing});
+    MatrixObject fitted = column({1.5, 0.5});
+    backTransform(observed, fitted, root, Missing);
+    EXPECT_EQ(values(observed), (std::vector<double>{16.0, Missing}));
+    EXPECT_EQ(fitted.getValue(1, 0), 0.0625);
+    MatrixObject logged = column({1.5});
+    MatrixObject logFitted = column({0.0});
+    backTransform(logged, logFitted, log, Missing);
+    EXPECT_DOUBLE_EQ(logged.getValue(0, 0), std::exp(1.5));
+    EXPECT_EQ(logFitted.getValue(0, 0), 1.0);
+}
+
+TEST(ModelTransformation, InverseNormalGivesNormalScoresOfTheRanks) {
+    // Nine amounts in no order: their scores are the normal quantiles of 0.1 .. 0.9.
+    const std::vector<double> amounts{7, 3, 9, 1, 5, 2, 8, 6, 4};
+    MatrixObject x = rowNumbers(9);
+    MatrixObject y = column(amounts);
+    const auto transform = applyModelTransformation(x, y, TransformInverseNormal, Missing, "June");
+    const double quantiles[10] = {0,   -1.2816, -0.8416, -0.5244, -0.2533,
+                                  0.0, 0.2533,  0.5244,  0.8416,  1.2816};
+    for (size_t r = 0; r < amounts.size(); ++r) {
+        EXPECT_NEAR(y.getValue(static_cast<int>(r), 0), quantiles[static_cast<size_t>(amounts[r])],
+                    3e-4)
+            << "amount " << amounts[r];
+    }
+    // Back again: each score finds its own amount.
+    MatrixObject observed = y.clone();
+    MatrixObject fitted = column({-5.0, 0.0, 5.0, Missing, 0.0, 0.0, 0.0, 0.0, 0.0});
+    backTransform(observed, fitted, transform, Missing);
+    EXPECT_EQ(values(observed), amounts);
+    EXPECT_EQ(fitted.getValue(0, 0), 1.0); // below the lowest score: the smallest amount
+    EXPECT_EQ(fitted.getValue(1, 0), 5.0); // the median
+    EXPECT_EQ(fitted.getValue(2, 0), 9.0); // above the top: the largest
+    EXPECT_EQ(fitted.getValue(3, 0), Missing);
+}
+
+TEST(ModelTransformation, BoxCoxFindsTheSymmetricPowerAndGoesBack) {
+    // Squares of a symmetric sample are made symmetric by a power of about one half, and
+    // an exponential of one by a power of about zero.
+    std::vector<double> squares;
+    for (const double v : lognormalSample(400)) {
+        squares.push_back(std::pow(std::log(v) + 10.0, 2.0));
+    }
+    MatrixObject x = rowNumbers(400);
+    MatrixObject y = column(squares);
+    const auto transform = applyModelTransformation(x, y, TransformBoxCox, Missing, "July");
+    EXPECT_NEAR(transform.lamda, 0.5, 0.05);
+    EXPECT_EQ(transform.shift, 0.0);
+    EXPECT_NEAR(y.getValue(7, 0), (std::pow(squares[7], transform.lamda) - 1) / transform.lamda,
+                1e-12);
+
+    MatrixObject xe = rowNumbers(400);
+    MatrixObject ye = column(lognormalSample(400));
+    const auto logLike = applyModelTransformation(xe, ye, TransformBoxCox, Missing, "July");
+    EXPECT_NEAR(logLike.lamda, 0.0, 0.05);
+
+    MatrixObject observed = y.clone();
+    MatrixObject fitted = column(std::vector<double>(400, -1.0 / transform.lamda - 1.0));
+    backTransform(observed, fitted, transform, Missing);
+    EXPECT_NEAR(observed.getValue(7, 0), squares[7], 1e-9);
+    EXPECT_EQ(fitted.getValue(0, 0), Missing); // lamda * v + 1 is not above 0
+}
+
+TEST(ModelTransformation, BoxCoxShiftLeavesTheFirstRowOut) {
+    // A negative first row is neither searched nor shifted, so no fractional power can take
+    // it and the search fails; shifted, it would have gone through.
+    std::vector<double> sample = lognormalSample(100);
+    sample[0] = -50.0;
+    MatrixObject x = rowNumbers(100);
+    MatrixObject y = column(sample);
+    EXPECT_THROW(applyModelTransformation(x, y, TransformBoxCox, Missing, "May"),
+                 varo::core::RunStopped);
+
+    sample[0] = 3.0;
+    sample[5] = -2.0;
+    MatrixObject x2 = rowNumbers(100);
+    MatrixObject y2 = column(sample);
+    const auto shifted = applyModelTransformation(x2, y2, TransformBoxCox, Missing, "May");
+    EXPECT_EQ(shifted.shift, 2.0);
+    MatrixObject observed = y2.clone();
+    MatrixObject fitted = y2.clone();
+    backTransform(observed, fitted, shifted, Missing);
+    // The shifted minimum is 0, whose transform -1/lamda - shift lies on the edge of the
+    // inverse: it cannot come back.
+    EXPECT_EQ(observed.getValue(5, 0), Missing);
+    EXPECT_NEAR(observed.getValue(9, 0), sample[9], 1e-9);
+    // The unshifted first row comes back less the shift.
+    EXPECT_NEAR(observed.getValue(0, 0), 1.0, 1e-9);
+}
+
+TEST(ModelTransformation, BoxCoxWithTooFewWetDaysStopsWithTheTwoPartMessage) {
+    MatrixObject x = rowNumbers(49);
+    MatrixObject y = column(std::vector<double>(lognormalSample(49)));
+    try {
+        applyModelTransformation(x, y, TransformBoxCox, Missing, "August");
+        FAIL();
+    } catch (const varo::core::RunStopped& stopped) {
+        EXPECT_EQ(stopped.message(),
+                  "Sorry an error has occurred calculating the optimum lamda transform. There "
+                  "are insufficient data for a Box Cox transformation.  Try an alternative "
+                  "transformation.");
+    }
+    // Enough values but no spread: the first part alone.
+    MatrixObject xc = rowNumbers(60);
+    MatrixObject yc = column(std::vector<double>(60, 3.0));
+    try {
+        applyModelTransformation(xc, yc, TransformBoxCox, Missing, "August");
+        FAIL();
+    } catch (const varo::core::RunStopped& stopped) {
+        EXPECT_EQ(stopped.message(),
+                  "Sorry an error has occurred calculating the optimum lamda transform.");
+    }
+}
+
+TEST(ModelTransformation, FindLamdaTakesTheUpperQuartileWithoutTheExcludedCells) {
+    // At lamda 0 zeros are excluded and sort first. The median and lower quartile are
+    // counted past them, the upper quartile is not: with 30 zeros beside 50 values it falls
+    // below the lower quartile, and lamda 0 cannot be judged.
+    std::vector<double> series;
+    for (int i = 1; i <= 50; ++i) {
+        series.push_back(std::exp(i * 0.1 + (i % 3) * 0.01));
+    }
+    bool tooFew = false;
+    EXPECT_EQ(findLamda(0.0, 0.0, 1.0, column(series), Missing, tooFew), 0.0);
+    EXPECT_FALSE(tooFew);
+    series.insert(series.end(), 30, 0.0);
+    EXPECT_EQ(findLamda(0.0, 0.0, 1.0, column(series), Missing, tooFew), Missing);
+    // Away from 0 the zeros count as values and the same series is judged.
+    EXPECT_EQ(findLamda(0.5, 0.5, 1.0, column(series), Missing, tooFew), 0.5);
+    series.resize(49);
+    EXPECT_EQ(findLamda(-1.0, 1.0, 0.5, column(series), Missing, tooFew), Missing);
+    EXPECT_TRUE(tooFew);
+}
+
+TEST(ModelTransformation, MeanRatioOfFit) {
+    MatrixObject x = rowNumbers(3);
+    EXPECT_DOUBLE_EQ(meanRatioOfFit(x, column({1.0, 1.0}), column({2, 4, 6})), 12.0 / 6.0);
+    EXPECT_EQ(meanRatioOfFit(x, column({-1.0, 1.0}), column({2, 4, 6})), 1.0);
+}
