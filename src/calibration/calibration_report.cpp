@@ -1,0 +1,227 @@
+#include "calibration/calibration_report.hpp"
+
+#include "core/number_format.hpp"
+
+#include <algorithm>
+
+namespace varo::calibration {
+
+double chowCriticalValue(int days, int predictors) {
+    static constexpr double Table[4][8] = {
+        {4.20, 3.34, 2.95, 2.71, 2.56, 2.36, 2.19, 1.91},
+        {4.08, 3.23, 2.84, 2.61, 2.45, 2.25, 2.08, 1.79},
+        {4.00, 3.15, 2.76, 2.53, 2.37, 2.17, 1.99, 1.70},
+        {3.84, 3.00, 2.60, 2.37, 2.21, 2.01, 1.83, 1.52},
+    };
+    const int d = days - 2 * predictors;
+    const int row = d < 40 ? 0 : d < 60 ? 1 : d < 100 ? 2 : 3;
+    int column = 7;
+    if (predictors <= 5) {
+        column = std::max(predictors, 1) - 1;
+    } else if (predictors <= 9) {
+        column = 5;
+    } else if (predictors == 10) {
+        column = 6;
+    }
+    return Table[row][column];
+}
+
+namespace {
+
+constexpr int ColumnWidth = 14;
+
+// Where a metric of the cross-validation table stands (0-based row).
+enum CrossValidationRow {
+    CvFirst = 0,
+    CvSecond = 1,
+    CvThird = 2,
+    CvFourth = 3,
+    CvFifth = 4,
+    CvSixth = 5
+};
+
+struct Column {
+    std::string heading;
+    std::array<double, 13> values{}; // months, then the mean
+    bool chow = false;
+};
+
+double meanOfMonths(const std::array<double, 13>& values, double missing) {
+    double sum = 0.0;
+    int count = 0;
+    for (int m = 0; m < 12; ++m) {
+        if (values[static_cast<size_t>(m)] != missing) {
+            sum += values[static_cast<size_t>(m)];
+            ++count;
+        }
+    }
+    return count == 0 ? missing : sum / count;
+}
+
+Column statisticColumn(const std::string& heading, const CalibrationResults& results,
+                       size_t firstRow, double MonthStatistics::*field, double missing) {
+    Column column{heading, {}, false};
+    for (size_t m = 0; m < 12; ++m) {
+        column.values[m] = results.statistics[firstRow + m].*field;
+    }
+    column.values[12] = meanOfMonths(column.values, missing);
+    return column;
+}
+
+Column crossValidationColumn(const std::string& heading, const CrossValidationTable& table, int row,
+                             double missing) {
+    Column column{heading, table[static_cast<size_t>(row)], false};
+    column.values[12] = meanOfMonths(column.values, missing);
+    return column;
+}
+
+ReportTable makeTable(const core::ProgramState& state, const CalibrationResults& results,
+                      const std::string& title, size_t firstRow, const std::vector<Column>& columns,
+                      size_t crossValidationStart, const std::string& missingText) {
+    const double missing = state.globalMissingCode;
+    static const core::NumberFormat format(" #0.0000");
+    ReportTable table;
+    table.title = title;
+    table.headings.push_back("Month");
+    for (const Column& column : columns) {
+        table.headings.push_back(column.heading);
+    }
+    if (crossValidationStart < columns.size()) {
+        table.crossValidationTitle = "Cross Validation Results";
+        table.crossValidationColumn = crossValidationStart + 1;
+    }
+    for (size_t m = 0; m <= 12; ++m) {
+        std::vector<ReportCell> row{{m < 12 ? state.periodNames[m + 1] : "Mean", false}};
+        for (const Column& column : columns) {
+            const double value = column.values[m];
+            ReportCell cell{value == missing ? missingText : format.format(value), false};
+            if (column.chow && m < 12 && value != missing) {
+                const MonthStatistics& fit = results.statistics[firstRow + m];
+                cell.aboveCritical = value > chowCriticalValue(fit.rows, fit.predictors);
+            }
+            row.push_back(std::move(cell));
+        }
+        table.rows.push_back(std::move(row));
+    }
+    return table;
+}
+
+} // namespace
+
+CalibrationReport buildReport(const core::ProgramState& state, const CalibrationResults& results,
+                              const ReportOptions& options) {
+    const double missing = state.globalMissingCode;
+    CalibrationReport report;
+    const ParameterFile& file = results.parameters;
+    report.headingLines.push_back("Predictand: " + file.predictandName);
+    for (size_t i = 0; i < file.predictorNames.size(); ++i) {
+        report.headingLines.push_back((i == 0 ? "Predictors: " : "            ") +
+                                      file.predictorNames[i]);
+    }
+    if (options.autoregression) {
+        report.headingLines.push_back("Autoregression");
+    }
+
+    std::vector<Column> main{
+        statisticColumn("RSquared", results, 0, &MonthStatistics::rSquared, missing),
+        statisticColumn("SE", results, 0, &MonthStatistics::standardError, missing),
+        statisticColumn(options.conditional ? "Prop Correct" : "D-Watson", results, 0,
+                        &MonthStatistics::third, missing)};
+    std::vector<Column> amounts{
+        statisticColumn("RSquared", results, 12, &MonthStatistics::rSquared, missing),
+        statisticColumn("SE", results, 12, &MonthStatistics::standardError, missing)};
+    if (options.includeChow) {
+        main.push_back(statisticColumn("Chow", results, 0, &MonthStatistics::chow, missing));
+        main.back().chow = true;
+        amounts.push_back(statisticColumn("Chow", results, 12, &MonthStatistics::chow, missing));
+        amounts.back().chow = true;
+    }
+    const size_t mainStart = main.size();
+    const size_t amountStart = amounts.size();
+    if (options.crossValidation) {
+        const CrossValidationTable& cv = *options.crossValidation;
+        const auto add = [&](std::vector<Column>& to, const char* heading, int row) {
+            to.push_back(crossValidationColumn(heading, cv, row, missing));
+        };
+        if (options.conditional) {
+            add(main, "Prop Correct", CvFirst);
+            add(main, "SE", CvFifth);
+            add(main, "RSquared", CvSixth);
+            add(amounts, "RSquared", CvFourth);
+            add(amounts, "SE", CvThird);
+            add(amounts, "Spearman", CvSecond);
+        } else {
+            add(main, "RSquared", CvFourth);
+            add(main, "SE", CvFirst);
+            add(main, "D-Watson", CvFifth);
+            add(main, "Spearman", CvSecond);
+            add(main, "Bias", CvThird);
+        }
+    }
+    report.tables.push_back(
+        makeTable(state, results, "Unconditional Statistics", 0, main, mainStart, "N/A    "));
+    if (options.conditional) {
+        report.tables.push_back(makeTable(state, results, "Conditional Statistics", 12, amounts,
+                                          amountStart, "N/A     "));
+    }
+    for (const ReportTable& table : report.tables) {
+        for (const auto& row : table.rows) {
+            for (const ReportCell& cell : row) {
+                report.anyAboveCritical = report.anyAboveCritical || cell.aboveCritical;
+            }
+        }
+    }
+    return report;
+}
+
+namespace {
+
+void appendCell(std::string& line, const std::string& text) {
+    line += text;
+    if (text.size() < ColumnWidth) {
+        line.append(ColumnWidth - text.size(), ' ');
+    } else {
+        line += ' ';
+    }
+}
+
+std::string withoutTrailingBlanks(std::string line) {
+    line.erase(line.find_last_not_of(' ') + 1);
+    return line;
+}
+
+} // namespace
+
+std::string reportText(const CalibrationReport& report) {
+    std::string text;
+    for (const std::string& line : report.headingLines) {
+        text += line + "\n";
+    }
+    for (const ReportTable& table : report.tables) {
+        std::string title = "\n" + table.title;
+        if (!table.crossValidationTitle.empty()) {
+            title.resize(std::max(title.size() + 1, 1 + ColumnWidth * table.crossValidationColumn),
+                         ' ');
+            title += table.crossValidationTitle;
+        }
+        text += title + "\n";
+        std::string headings;
+        for (const std::string& heading : table.headings) {
+            appendCell(headings, heading);
+        }
+        text += withoutTrailingBlanks(headings) + "\n";
+        for (const auto& row : table.rows) {
+            std::string line;
+            for (const ReportCell& cell : row) {
+                appendCell(line, cell.aboveCritical ? cell.text + "*" : cell.text);
+            }
+            text += withoutTrailingBlanks(line) + "\n";
+        }
+    }
+    if (report.anyAboveCritical) {
+        text += std::string("\n") + AboveCriticalNote + "\n";
+    }
+    return text;
+}
+
+} // namespace varo::calibration

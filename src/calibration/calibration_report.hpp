@@ -1,0 +1,68 @@
+// The calibration report: the heading lines and the tables of fit statistics by month,
+// as a page of text and as cells for the screens that lay them out themselves.
+//
+// The first table ("Unconditional Statistics", for the main or occurrence model) has the
+// columns Month, RSquared, SE, then D-Watson (unconditional) or Prop Correct
+// (conditional), then Chow when the Chow test was asked for. A conditional model adds the
+// table "Conditional Statistics" of its amount model: Month, RSquared, SE (and Chow).
+// Values are formatted " #0.0000"; a missing value reads "N/A    " in the first table and
+// "N/A     " in the second. A last row "Mean" averages the months that are not missing. A
+// Chow value above its critical value (by the days and predictors of its fit) is marked.
+// Cross-validation results, when there are any, add columns under "Cross Validation
+// Results".
+#pragma once
+
+#include "calibration/calibrate_driver.hpp"
+#include "core/program_state.hpp"
+
+#include <array>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace varo::calibration {
+
+// Rows by metric (1 to 6, stored 0 to 5), columns by month (0 to 11) and the mean (12).
+// Unconditional: SE, Spearman, Bias, RSquared, D-Watson. Occurrence: Prop Correct, -, -, -,
+// SE, RSquared.
+using CrossValidationTable = std::array<std::array<double, 13>, 6>;
+
+// The critical value of the Chow statistic for a fit of n days on k predictors.
+double chowCriticalValue(int days, int predictors);
+
+struct ReportCell {
+    std::string text;
+    bool aboveCritical = false; // a Chow value above its critical value
+};
+
+struct ReportTable {
+    std::string title;
+    std::string crossValidationTitle; // empty without cross validation
+    std::vector<std::string> headings;
+    size_t crossValidationColumn = 0;          // first column of the cross-validation part
+    std::vector<std::vector<ReportCell>> rows; // 12 months and "Mean"; first cell the name
+};
+
+struct CalibrationReport {
+    std::vector<std::string> headingLines;
+    std::vector<ReportTable> tables;
+    bool anyAboveCritical = false;
+};
+
+struct ReportOptions {
+    bool conditional = false;
+    bool autoregression = false;
+    bool includeChow = false;
+    std::optional<CrossValidationTable> crossValidation;
+};
+
+CalibrationReport buildReport(const core::ProgramState& state, const CalibrationResults& results,
+                              const ReportOptions& options);
+
+// The report as lines of text with columns 14 characters wide; a marked Chow value is
+// followed by "*" and a note under the tables says what the mark means.
+std::string reportText(const CalibrationReport& report);
+
+inline constexpr const char* AboveCriticalNote = "* Chow statistic above its critical value.";
+
+} // namespace varo::calibration

@@ -1,0 +1,363 @@
+#include "calibration/calibrate_driver.hpp"
+
+#include "calibration_test_support.hpp"
+#include "core/failure.hpp"
+#include "core/record_calendar.hpp"
+#include "support/temp_dir.hpp"
+
+#include <algorithm>
+#include <cmath>
+#include <fstream>
+#include <functional>
+#include <gtest/gtest.h>
+#include <map>
+#include <sstream>
+
+using namespace varo::calibration;
+using varo::core::Date;
+using varo::testing::CountingProgress;
+using varo::testing::RecordingNotifier;
+using varo::testing::TempDir;
+
+namespace {
+
+const std::string DataFolder = std::string(VARO_TEST_DATA) + "/calibration/driver";
+
+std::string data(const std::string& name) {
+    return DataFolder + "/" + name;
+}
+
+varo::core::ProgramState sixYearState() {
+    varo::core::ProgramState state;
+    varo::core::initialiseState(state);
+    state.globalSDate = "01/01/1961";
+    state.globalEDate = "31/12/1966";
+    state.globalDays = 2191;
+    state.thresh = 0.0f;
+    return state;
+}
+
+CalibrationRequest request(ModelType type, bool conditional, bool lag = false) {
+    CalibrationRequest r;
+    r.data.predictandPath = data("rain.dat");
+    r.data.predictorPaths = {data("mslp.dat"), data("shum.dat")};
+    r.data.fitStart = Date{1, 1, 1962};
+    r.data.fitEnd = Date{31, 12, 1966};
+    r.data.fitDays = 1826;
+    r.data.modelType = type;
+    r.predictandName = "rain.dat";
+    r.fitStartText = "01/01/1962";
+    r.conditional = conditional;
+    r.autoregression = lag;
+    return r;
+}
+
+struct Calibrator {
+    CountingProgress progress;
+    RecordingNotifier notifier;
+    std::array<double, 12> meanRatio{1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1};
+
+    CalibrationResults operator()(const varo::core::ProgramState& state,
+                                  const CalibrationRequest& r) {
+        return calibrate(state, r, meanRatio, progress, notifier);
+    }
+};
+
+// Lines of tests/data/calibration/driver/reference.txt (numpy, see make_data.py there).
+std::map<std::string, std::vector<double>> reference() {
+    std::ifstream in(data("reference.txt"));
+    std::map<std::string, std::vector<double>> all;
+    std::string line;
+    while (std::getline(in, line)) {
+        std::istringstream words(line);
+        std::string kind;
+        words >> kind;
+        std::string key = kind;
+        if (kind != "annual") {
+            std::string month;
+            words >> month;
+            key += " " + month;
+        }
+        double value = 0;
+        while (words >> value) {
+            all[key].push_back(value);
+        }
+    }
+    return all;
+}
+
+void expectCoefficients(const std::vector<double>& ours, const std::vector<double>& theirs,
+                        const std::string& what) {
+    ASSERT_EQ(ours.size(), theirs.size()) << what;
+    for (size_t i = 0; i < ours.size(); ++i) {
+        EXPECT_NEAR(ours[i], theirs[i], 1e-9 * (1 + std::fabs(theirs[i]))) << what << " #" << i;
+    }
+}
+
+// The golden file's last line names the data folder as "DATA".
+void expectGolden(const ParameterFile& file, const std::string& golden) {
+    std::string expected = varo::testing::readFile(data(golden));
+    const size_t at = expected.rfind("DATA/");
+    if (at != std::string::npos) {
+        expected.replace(at, 4, DataFolder);
+    }
+    const std::string produced = parameterFileText(file);
+    if (produced != expected) {
+        std::ofstream(std::string(VARO_BINARY_DIR) + "/" + golden, std::ios::binary) << produced;
+    }
+    EXPECT_EQ(produced, expected) << "written to " << VARO_BINARY_DIR << "/" << golden;
+}
+
+int failureNumber(const std::function<void()>& action, std::string* description = nullptr) {
+    try {
+        action();
+    } catch (const varo::core::Failure& failure) {
+        if (description != nullptr) {
+            *description = failure.description();
+        }
+        return failure.number();
+    }
+    return 0;
+}
+
+} // namespace
+
+TEST(CalibrateGolden, UnconditionalAnnualWithTwoPredictors) {
+    const auto state = sixYearState();
+    Calibrator run;
+    const CalibrationResults results = run(state, request(ModelType::Annual, false));
+    expectCoefficients(results.parameters.months[0].coefficients, reference()["annual"], "annual");
+    for (const auto& month : results.parameters.months) {
+        EXPECT_EQ(month.coefficients, results.parameters.months[0].coefficients);
+    }
+    expectGolden(results.parameters, "annual_unconditional.PAR");
+    // Unconditional fits keep their residual pairs, one a day of the fit.
+    EXPECT_EQ(results.residualPairs.size(), static_cast<size_t>(results.statistics[0].rows));
+    EXPECT_EQ(run.progress.captions,
+              (std::vector<std::string>{"Reading Data", "Skipping Unnecessary Data", "Reading Data",
+                                        "Calibrating Model"}));
+}
+
+TEST(CalibrateGolden, MonthlyConditionalBoxCox) {
+    auto state = sixYearState();
+    state.modelTransformation = 5.0f;
+    Calibrator run;
+    const CalibrationResults results = run(state, request(ModelType::Monthly, true));
+    const auto numbers = reference();
+    for (int m = 1; m <= 12; ++m) {
+        expectCoefficients(results.parameters.months[static_cast<size_t>(m - 1)].coefficients,
+                           numbers.at("occurrence " + std::to_string(m)),
+                           "occurrence of month " + std::to_string(m));
+        const auto& month = results.parameters.months[static_cast<size_t>(m - 1)];
+        EXPECT_GE(month.lamda, -2.35);
+        EXPECT_LE(month.lamda, 2.35);
+        EXPECT_EQ(month.shift, 0.0); // amounts above a threshold of 0 need no shift
+        EXPECT_GT(results.statistics[static_cast<size_t>(m - 1)].third, 0.5); // prop correct
+    }
+    expectGolden(results.parameters, "monthly_conditional_boxcox.PAR");
+}
+
+TEST(CalibrateGolden, SeasonalConditionalInverseNormalRepeatsSeasonRows) {
+    auto state = sixYearState();
+    state.modelTransformation = 4.0f;
+    Calibrator run;
+    const CalibrationResults results = run(state, request(ModelType::Seasonal, true));
+    const auto& months = results.parameters.months;
+    EXPECT_EQ(months[0].coefficients, months[11].coefficients); // January as December
+    EXPECT_EQ(months[1].coefficients, months[11].coefficients);
+    EXPECT_NE(months[2].coefficients, months[1].coefficients);
+    EXPECT_EQ(results.parameters.amounts[5].meanRatio, results.parameters.amounts[7].meanRatio);
+    EXPECT_NE(results.parameters.amounts[5].meanRatio, 1.0);
+    EXPECT_EQ(run.meanRatio[6], results.parameters.amounts[6].meanRatio); // kept for later runs
+    expectGolden(results.parameters, "seasonal_conditional_inverse_normal.PAR");
+
+    // A later run with another transformation writes the mean ratios the screen kept.
+    state.modelTransformation = 2.0f;
+    const CalibrationResults later = run(state, request(ModelType::Seasonal, true));
+    EXPECT_EQ(later.parameters.amounts[6].meanRatio, run.meanRatio[6]);
+}
+
+TEST(CalibrateGolden, MonthlyAutoregressionWithUnfilledRows) {
+    const auto state = sixYearState();
+    Calibrator run;
+    auto r = request(ModelType::Monthly, false, true);
+    r.includeChow = true;
+    const CalibrationResults results = run(state, r);
+    const auto numbers = reference();
+    for (int m = 1; m <= 12; ++m) {
+        std::vector<double> expected = numbers.at("lagged " + std::to_string(m));
+        const double zeroRows = expected.front();
+        expected.erase(expected.begin());
+        expectCoefficients(results.parameters.months[static_cast<size_t>(m - 1)].coefficients,
+                           expected, "lagged month " + std::to_string(m));
+        if (m == 3) {
+            EXPECT_EQ(zeroRows, 2); // the March of 1963 has two runs of one day
+        }
+    }
+    EXPECT_EQ(results.statistics[0].predictors, 3); // the lag counts for Chow
+    EXPECT_NE(results.statistics[0].chow, -999.0);
+    expectGolden(results.parameters, "monthly_autoregression.PAR");
+}
+
+TEST(CalibrateDriver, FitPeriodEqualToTheRecordSkipsNothing) {
+    const auto state = sixYearState();
+    Calibrator run;
+    auto r = request(ModelType::Annual, false);
+    r.data.fitStart = Date{1, 1, 1961};
+    r.data.fitDays = 2191;
+    run(state, r);
+    EXPECT_EQ(run.progress.captions,
+              (std::vector<std::string>{"Reading Data", "Calibrating Model"}));
+}
+
+TEST(CalibrateDriver, MissingFirstDayMovesTheStartForward) {
+    // Rain is missing on 5 May 1961.
+    const auto state = sixYearState();
+    auto fromMissing = request(ModelType::Annual, false);
+    fromMissing.data.fitStart = Date{5, 5, 1961};
+    fromMissing.data.fitDays = varo::core::daysInclusive(Date{5, 5, 1961}, Date{31, 12, 1966});
+    auto fromNext = request(ModelType::Annual, false);
+    fromNext.data.fitStart = Date{6, 5, 1961};
+    fromNext.data.fitDays = fromMissing.data.fitDays - 1;
+    Calibrator a;
+    Calibrator b;
+    EXPECT_EQ(a(state, fromMissing).parameters.months[0].coefficients,
+              b(state, fromNext).parameters.months[0].coefficients);
+}
+
+TEST(CalibrateDriver, AGroupOfFewerThanTenDaysIsInsufficient) {
+    const auto state = sixYearState();
+    auto r = request(ModelType::Annual, false);
+    r.data.fitStart = Date{1, 1, 1962};
+    r.data.fitEnd = Date{9, 1, 1962};
+    r.data.fitDays = 9;
+    Calibrator run;
+    try {
+        run(state, r);
+        FAIL();
+    } catch (const varo::core::RunStopped& stopped) {
+        EXPECT_EQ(stopped.message(), "Insufficient data available to build a model.");
+    }
+    r.data.fitEnd = Date{10, 1, 1962};
+    r.data.fitDays = 10;
+    EXPECT_NO_THROW(run(state, r));
+    // Monthly: nine days of January leave every month short.
+    auto monthly = request(ModelType::Monthly, false);
+    monthly.data.fitEnd = Date{9, 1, 1962};
+    monthly.data.fitDays = 9;
+    EXPECT_THROW(run(state, monthly), varo::core::RunStopped);
+}
+
+TEST(CalibrateDriver, FileProblemsAreFailuresNamingTheFile) {
+    TempDir dir;
+    auto state = sixYearState();
+    std::string description;
+    // Record and fit end a year after the files do.
+    state.globalEDate = "31/12/1967";
+    auto tooLong = request(ModelType::Annual, false);
+    tooLong.data.fitEnd = Date{31, 12, 1967};
+    tooLong.data.fitDays = 2191;
+    Calibrator run;
+    EXPECT_EQ(failureNumber([&] { run(state, tooLong); }, &description), 62);
+    EXPECT_NE(description.find("rain.dat"), std::string::npos) << description;
+
+    state = sixYearState();
+    std::string shum = varo::testing::readFile(data("shum.dat"));
+    shum.replace(shum.find("\r\n", 5000) + 2, 3, "x.y");
+    auto word = request(ModelType::Annual, false);
+    word.data.predictorPaths[1] = dir.write("shum.dat", shum);
+    EXPECT_EQ(failureNumber([&] { run(state, word); }, &description), 13);
+    EXPECT_NE(description.find("of '" + dir.path("shum.dat") + "' is not a number"),
+              std::string::npos)
+        << description;
+
+    auto missing = request(ModelType::Annual, false);
+    missing.data.predictorPaths[0] = dir.path("nowhere.dat");
+    EXPECT_EQ(failureNumber([&] { run(state, missing); }, &description), 53);
+    EXPECT_NE(description.find("nowhere.dat"), std::string::npos);
+}
+
+TEST(CalibrateDriver, SingularDesignAndTheDependencyWarning) {
+    const auto state = sixYearState();
+    auto twice = request(ModelType::Monthly, false);
+    twice.data.predictorPaths = {data("mslp.dat"), data("mslp.dat")};
+    Calibrator leastSquares;
+    std::string description;
+    EXPECT_EQ(failureNumber([&] { leastSquares(state, twice); }, &description), 1306);
+    EXPECT_EQ(description, "Matrix is singular and cannot be inverted.");
+
+    auto simplexState = sixYearState();
+    simplexState.optimisationChoice = 2;
+    Calibrator simplex;
+    const auto results = simplex(simplexState, twice);
+    EXPECT_EQ(simplex.notifier.warnings,
+              std::vector<std::string>{"Warning: Linear dependencies between predictors."});
+    EXPECT_TRUE(results.dependencyWarned);
+}
+
+TEST(CalibrateDriver, CancelStopsReadingAndTheSimplex) {
+    auto state = sixYearState();
+    Calibrator reading;
+    reading.progress = CountingProgress(400); // during the skip of 1961
+    EXPECT_THROW(reading(state, request(ModelType::Annual, false)), varo::core::Cancelled);
+
+    // A run that is let go shows how many reports it makes; a stop five reports before its
+    // end falls inside the simplex's iterations.
+    state.optimisationChoice = 2;
+    Calibrator probe;
+    probe(state, request(ModelType::Annual, false));
+    ASSERT_GT(probe.progress.reports, 2200);
+    Calibrator simplex;
+    simplex.progress = CountingProgress(probe.progress.reports - 5);
+    EXPECT_THROW(simplex(state, request(ModelType::Annual, false)), varo::core::Cancelled);
+    EXPECT_EQ(simplex.progress.captions.back(), "Calibrating Model");
+    EXPECT_EQ(simplex.progress.lastCurrent, 50);
+}
+
+TEST(CalibrateDriver, FixedLimitsAreBoundsFailures) {
+    const auto state = sixYearState();
+    Calibrator run;
+    auto wide = request(ModelType::Annual, false);
+    wide.data.predictorPaths.assign(48, data("mslp.dat"));
+    std::string description;
+    EXPECT_EQ(failureNumber([&] { run(state, wide); }, &description), 9);
+    EXPECT_NE(description.find("at most 50 parameters"), std::string::npos) << description;
+
+    auto simplexState = sixYearState();
+    simplexState.optimisationChoice = 2;
+    auto many = request(ModelType::Annual, false);
+    many.data.predictorPaths.assign(21, data("mslp.dat"));
+    EXPECT_EQ(failureNumber([&] { run(simplexState, many); }, &description), 9);
+    EXPECT_NE(description.find("at most 20 predictors"), std::string::npos) << description;
+}
+
+TEST(CalibrateDriver, StepwiseChoosesAndNamesTheSubset) {
+    auto state = sixYearState();
+    state.applyStepwise = true;
+    Calibrator run;
+    auto r = request(ModelType::Annual, false);
+    r.data.predictorPaths = {data("shum.dat"), data("mslp.dat")};
+    const auto results = run(state, r);
+    // The criterion is the largest, which with the regression sum of squares inside the
+    // logarithm favours the full set here.
+    EXPECT_EQ(results.parameters.predictorNames,
+              (std::vector<std::string>{"shum.dat", "mslp.dat"}));
+    EXPECT_NE(std::find(run.progress.captions.begin(), run.progress.captions.end(),
+                        "Calibrating Stepwise Models"),
+              run.progress.captions.end());
+}
+
+TEST(CalibrateDriver, A360DayRecordEndsWhenThePositionRunsPastTheEndDate) {
+    // Under 360 days the skip of 1961 takes 360 rows, and a fit ending on 1 March 1962
+    // stops at the position 30 February, which counts as 2 March: 30 + 29 rows are read,
+    // one of them (row 406, 10 February 1962 in the file's own calendar) missing.
+    auto state = sixYearState();
+    varo::core::setYearIndicator(state, 360);
+    auto r = request(ModelType::Annual, false);
+    r.data.fitEnd = Date{1, 3, 1962};
+    r.data.fitDays = 60;
+    Calibrator run;
+    const auto results = run(state, r);
+    EXPECT_EQ(results.statistics[0].rows, 58);
+    EXPECT_EQ(results.parameters.yearIndicator, 360);
+}

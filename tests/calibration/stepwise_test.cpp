@@ -1,0 +1,81 @@
+#include "calibration/stepwise.hpp"
+
+#include "calibration_test_support.hpp"
+#include "core/failure.hpp"
+#include "core/notices.hpp"
+
+#include <cmath>
+#include <gtest/gtest.h>
+
+using namespace varo::calibration;
+
+TEST(Stepwise, SubsetsComeSinglesFirstThenTheFullSetThenPairs) {
+    EXPECT_EQ(makeSubsets(1), (std::vector<std::vector<int>>{{1}}));
+    EXPECT_EQ(makeSubsets(3),
+              (std::vector<std::vector<int>>{{1}, {2}, {3}, {1, 2, 3}, {1, 2}, {1, 3}, {2, 3}}));
+    const auto four = makeSubsets(4);
+    ASSERT_EQ(four.size(), 15u);
+    EXPECT_EQ(four[4], (std::vector<int>{1, 2, 3, 4}));
+    EXPECT_EQ(four[5], (std::vector<int>{1, 2}));
+    EXPECT_EQ(four[10], (std::vector<int>{3, 4}));
+    EXPECT_EQ(four[11], (std::vector<int>{1, 2, 3})); // then the triples
+    EXPECT_EQ(four[14], (std::vector<int>{2, 3, 4}));
+    EXPECT_EQ(makeSubsets(8).size(), 255u);
+}
+
+TEST(Stepwise, CriterionIsTheLargestWithTheRegressionSumInsideTheLogarithm) {
+    const double l = std::log(std::sqrt(50.0 / 100));
+    EXPECT_DOUBLE_EQ(stepwiseCriterion(50.0, 100, 3, true), 100 * l + 2 * 2);
+    EXPECT_DOUBLE_EQ(stepwiseCriterion(50.0, 100, 3, false), 100 * l + 2 * std::log(100.0));
+    EXPECT_TRUE(std::isnan(stepwiseCriterion(-1.0, 100, 3, true)));
+}
+
+TEST(Stepwise, TiesGoToTheFirstAndFailedSubsetsCannotWin) {
+    // Columns 1 and 2 are the same: the singles tie and the first stays, and the pair,
+    // singular, cannot win.
+    const int n = 40;
+    MatrixObject x(n, 3);
+    MatrixObject y(n, 1);
+    for (int r = 0; r < n; ++r) {
+        const double v = std::sin(r * 0.9);
+        x.setValue(r, 0, 1.0);
+        x.setValue(r, 1, v);
+        x.setValue(r, 2, v);
+        y.setValue(r, 0, 1.0 + 2.0 * v + 0.1 * std::cos(r * 3.1));
+    }
+    varo::testing::CountingProgress progress;
+    varo::core::SilentNotifier notifier;
+    FitEnvironment environment{progress, notifier};
+    EXPECT_EQ(selectPredictors(x, y, FitMethod::LeastSquares, true, environment),
+              std::vector<int>{1});
+    EXPECT_EQ(progress.captions, std::vector<std::string>{"Calibrating Stepwise Models"});
+    EXPECT_EQ(progress.lastCurrent, 100);
+
+    // A constant response explains nothing: no subset can be judged.
+    MatrixObject flat(n, 1);
+    flat.cells().setConstant(2.0);
+    try {
+        selectPredictors(x, flat, FitMethod::LeastSquares, true, environment);
+        FAIL();
+    } catch (const varo::core::RunStopped& stopped) {
+        EXPECT_EQ(stopped.message(), "Unable  to determine an optimum set of predictors from "
+                                     "those selected. Please try an alternative");
+    }
+}
+
+TEST(Stepwise, CancelBetweenSubsets) {
+    MatrixObject x(30, 3);
+    MatrixObject y(30, 1);
+    for (int r = 0; r < 30; ++r) {
+        x.setValue(r, 0, 1.0);
+        x.setValue(r, 1, r);
+        x.setValue(r, 2, (r * 7) % 5);
+        y.setValue(r, 0, r * 0.5 + (r % 3));
+    }
+    varo::testing::CountingProgress progress(2);
+    varo::core::SilentNotifier notifier;
+    FitEnvironment environment{progress, notifier};
+    EXPECT_THROW(selectPredictors(x, y, FitMethod::LeastSquares, true, environment),
+                 varo::core::Cancelled);
+    EXPECT_EQ(progress.reports, 2);
+}
