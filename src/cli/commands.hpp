@@ -18,12 +18,14 @@ void addTransformCommand(CLI::App& app, CliContext& context, CommandResult& resu
 void addScreenCommand(CLI::App& app, CliContext& context, CommandResult& result);
 void addGenerateCommand(CLI::App& app, CliContext& context, CommandResult& result);
 void addDemoCommand(CLI::App& app, CliContext& context, CommandResult& result);
+void addCalibrateCommand(CLI::App& app, CliContext& context, CommandResult& result);
 
 inline void addCommands(CLI::App& app, CliContext& context, CommandResult& result) {
     addSettingsCommand(app, context, result);
     addQcCommand(app, context, result);
     addTransformCommand(app, context, result);
     addScreenCommand(app, context, result);
+    addCalibrateCommand(app, context, result);
     addGenerateCommand(app, context, result);
     addDemoCommand(app, context, result);
 }

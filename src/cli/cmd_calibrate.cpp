@@ -1,0 +1,158 @@
+// varo calibrate PREDICTAND PREDICTOR... -o MODEL.PAR [options]: the calibration screen's
+// run. The model type, process, fit period, lag term and Chow test come from the options;
+// the transformation, optimisation, stepwise and criterion settings from the settings file
+// or --set. The report goes to stdout, as JSON with --json.
+#include "cli/commands.hpp"
+
+#include "calibration/calibration_report.hpp"
+#include "screens/calibrate_screen.hpp"
+
+#include <map>
+#include <optional>
+
+namespace varo::cli {
+
+namespace {
+
+struct CalibrateOptions {
+    std::string predictand;
+    std::vector<std::string> predictors;
+    std::string parFile;
+    std::string model = "monthly";
+    std::string process = "unconditional";
+    std::optional<std::string> fitStart;
+    std::optional<std::string> fitEnd;
+    bool autoregression = false;
+    bool chow = false;
+    bool yes = false;
+};
+
+using Screen = screens::CalibrateScreen;
+
+nlohmann::ordered_json number(double value, double missing) {
+    return value == missing ? nlohmann::ordered_json() : nlohmann::ordered_json(value);
+}
+
+nlohmann::ordered_json monthRows(const core::ProgramState& state,
+                                 const calibration::CalibrationResults& results, size_t first,
+                                 const char* third, bool chow) {
+    const double missing = state.globalMissingCode;
+    nlohmann::ordered_json rows = nlohmann::ordered_json::array();
+    for (size_t m = 0; m < 12; ++m) {
+        const calibration::MonthStatistics& row = results.statistics[first + m];
+        nlohmann::ordered_json month;
+        month["month"] = state.periodNames[m + 1];
+        month["rSquared"] = number(row.rSquared, missing);
+        month["standardError"] = number(row.standardError, missing);
+        if (third != nullptr) {
+            month[third] = number(row.third, missing);
+        }
+        if (chow) {
+            month["chow"] = number(row.chow, missing);
+            const double critical = calibration::chowCriticalValue(row.rows, row.predictors);
+            month["chowCritical"] = critical;
+            month["chowAboveCritical"] = row.chow != missing && row.chow > critical;
+        }
+        rows.push_back(std::move(month));
+    }
+    return rows;
+}
+
+nlohmann::ordered_json jsonReport(const core::ProgramState& state, const Screen& screen,
+                                  const CalibrateOptions& options,
+                                  const std::vector<std::string>& warnings) {
+    const calibration::CalibrationResults& results = *screen.results;
+    const bool conditional = screen.parmOpt == Screen::Conditional;
+    nlohmann::ordered_json document;
+    document["parameterFile"] = screen.parFileText;
+    document["predictand"] = results.parameters.predictandName;
+    document["predictors"] = results.parameters.predictorNames;
+    document["model"] = options.model;
+    document["process"] = options.process;
+    document["autoregression"] = screen.autoRegressionCheck;
+    document["fitStart"] = screen.fsDate.text;
+    document["fitEnd"] = screen.feDate.text;
+    document["months"] = monthRows(state, results, 0, conditional ? "propCorrect" : "durbinWatson",
+                                   screen.includeChow);
+    if (conditional) {
+        document["amounts"] = monthRows(state, results, 12, nullptr, screen.includeChow);
+    }
+    document["warnings"] = warnings;
+    return document;
+}
+
+void printReport(CliContext& context, const std::string& text) {
+    size_t start = 0;
+    while (start < text.size()) {
+        const size_t end = text.find('\n', start);
+        context.printLine(text.substr(start, end - start));
+        start = end + 1;
+    }
+}
+
+int runCalibrate(CliContext& context, CalibrateOptions& options) {
+    if (const int refused = context.prepareState()) {
+        return refused;
+    }
+    context.options.yes = context.options.yes || options.yes;
+    Screen screen(context.state);
+    screen.choosePredictand(options.predictand);
+    screen.choosePredictors(options.predictors);
+    screen.chooseParFile(options.parFile);
+    static const std::map<std::string, int> models{
+        {"monthly", Screen::Monthly}, {"seasonal", Screen::Seasonal}, {"annual", Screen::Annual}};
+    screen.modelType = models.at(options.model);
+    screen.parmOpt = options.process == "conditional" ? Screen::Conditional : Screen::Unconditional;
+    screen.autoRegressionCheck = options.autoregression;
+    screen.includeChow = options.chow;
+    if (options.fitStart) {
+        screen.fsDate.text = *options.fitStart;
+    }
+    if (options.fitEnd) {
+        screen.feDate.text = *options.fitEnd;
+    }
+    const auto outcome = screen.calibrate(context.dialogs(), context.progress());
+    context.progress().finish();
+    if (!screen.silentStopReason.empty()) {
+        context.err << "Calibration stopped: " << screen.silentStopReason << '\n';
+    }
+    if (outcome == screens::RunOutcome::Done) {
+        if (context.options.json) {
+            context.printJson(
+                jsonReport(context.state, screen, options, context.dialogs().warnings()));
+        } else {
+            printReport(context, screen.reportText());
+        }
+    }
+    return exitCodeFor(outcome);
+}
+
+} // namespace
+
+void addCalibrateCommand(CLI::App& app, CliContext& context, CommandResult& result) {
+    const auto options = std::make_shared<CalibrateOptions>();
+    CLI::App* calibrate = app.add_subcommand(
+        "calibrate", "Calibration: fit the model by month, season or year and write the "
+                     "parameter file");
+    calibrate->add_option("PREDICTAND", options->predictand, "Predictand data file")->required();
+    calibrate->add_option("PREDICTOR", options->predictors, "Predictor data files, in model order")
+        ->required();
+    calibrate->add_option("-o,--out", options->parFile, "Parameter file to write (.PAR or .par)")
+        ->required();
+    calibrate->add_option("--model", options->model, "monthly (default), seasonal or annual")
+        ->check(CLI::IsMember({"monthly", "seasonal", "annual"}));
+    calibrate->add_option("--process", options->process, "unconditional (default) or conditional")
+        ->check(CLI::IsMember({"conditional", "unconditional"}));
+    calibrate->add_option("--fit-start", options->fitStart,
+                          "Start of the fit, dd/mm/yyyy (default: the settings' start date)");
+    calibrate->add_option("--fit-end", options->fitEnd,
+                          "End of the fit, dd/mm/yyyy (default: the settings' end date)");
+    calibrate->add_flag("--autoregression", options->autoregression,
+                        "Include the lag term (the previous day's predictand)");
+    calibrate->add_flag("--chow", options->chow, "Calculate the Chow statistic");
+    calibrate->add_flag("--yes", options->yes,
+                        "Answer Yes to the question before a stepwise search");
+    calibrate->callback([&, options] { result.exitCode = runCalibrate(context, *options); });
+}
+
+} // namespace varo::cli

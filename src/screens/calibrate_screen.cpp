@@ -1,0 +1,320 @@
+#include "screens/calibrate_screen.hpp"
+
+#include "calibration/model_transforms.hpp"
+#include "calibration/parameter_file.hpp"
+#include "calibration/stepwise.hpp"
+#include "core/dates.hpp"
+#include "core/numeric_text.hpp"
+#include "core/record_calendar.hpp"
+#include "core/series_file.hpp"
+
+#include <algorithm>
+#include <filesystem>
+
+namespace varo::screens {
+
+namespace {
+
+constexpr std::string_view StepwiseQuestion =
+    "Stepwise regression is selected.  This can take some time. Do you want to proceed?";
+
+// Refuses a number outside [low, high] with the two messages of a field.
+FieldCheck numberBetween(double low, double high, std::string invalid, std::string outside) {
+    return [=](const std::string& text) -> std::optional<std::string> {
+        if (!core::isNumeric(text)) {
+            return invalid;
+        }
+        const double value = core::leadingNumber(text);
+        if (value < low || value > high) {
+            return outside;
+        }
+        return std::nullopt;
+    };
+}
+
+} // namespace
+
+CalibrateScreen::CalibrateScreen(core::ProgramState& state) : state_(state) {
+    meanRatio.fill(1.0);
+    reset();
+}
+
+void CalibrateScreen::reset() {
+    cleanup();
+    if (state_.selectedPredictandPath.empty()) {
+        ptandText = NotSelected;
+        predictandPath.clear();
+    } else {
+        ptandText = state_.selectedPredictandName;
+        predictandPath = state_.selectedPredictandPath;
+    }
+    setPredictorFolder(state_.defaultDir);
+    refreshGlobals();
+    modelType = Monthly;
+    parmOpt = Unconditional;
+    autoRegressionCheck = false;
+    xValidationCheck = false;
+    noOfFoldsText.reset(std::string(DefaultFolds));
+    includeChow = false;
+    graphType = NoGraph;
+    histogramCatsText.reset(std::string(DefaultHistogramCategories));
+    parFileText = NoParFile;
+    results.reset();
+    report.reset();
+    silentStopReason.clear();
+}
+
+void CalibrateScreen::refreshGlobals() {
+    fsDate.reset(state_.globalSDate);
+    feDate.reset(state_.globalEDate);
+    noOfDays = std::to_string(state_.globalDays);
+}
+
+void CalibrateScreen::cleanup() {
+    state_.stopRequested.clear();
+}
+
+void CalibrateScreen::choosePredictand(const std::string& path) {
+    predictandPath = path;
+    ptandText = core::bareFileName(path);
+}
+
+void CalibrateScreen::pickPredictand(Dialogs& dialogs) {
+    const std::string start =
+        predictandPath.empty() ? state_.defaultDir : core::folderOf(predictandPath);
+    if (const auto path = dialogs.pickOpenFile(PredictandFilter, start)) {
+        choosePredictand(*path);
+    }
+}
+
+void CalibrateScreen::setPredictorFolder(const std::string& folder) {
+    predictorFolder = folder;
+    folderFiles.clear();
+    selectedPredictors.clear();
+    std::error_code error;
+    for (const auto& entry : std::filesystem::directory_iterator(folder, error)) {
+        std::error_code kindError;
+        if (entry.is_regular_file(kindError)) {
+            folderFiles.push_back(entry.path().filename().string());
+        }
+    }
+    std::sort(folderFiles.begin(), folderFiles.end());
+}
+
+void CalibrateScreen::pickPredictorFolder(Dialogs& dialogs) {
+    if (const auto folder = dialogs.pickFolder(predictorFolder)) {
+        setPredictorFolder(*folder);
+    }
+}
+
+void CalibrateScreen::selectListItems(const std::vector<int>& items) {
+    std::vector<int> inOrder = items;
+    std::sort(inOrder.begin(), inOrder.end());
+    inOrder.erase(std::unique(inOrder.begin(), inOrder.end()), inOrder.end());
+    selectedPredictors.clear();
+    for (int item : inOrder) {
+        if (item >= 0 && item < static_cast<int>(folderFiles.size())) {
+            selectedPredictors.push_back(
+                (std::filesystem::path(predictorFolder) / folderFiles[static_cast<size_t>(item)])
+                    .string());
+        }
+    }
+}
+
+void CalibrateScreen::choosePredictors(const std::vector<std::string>& paths) {
+    selectedPredictors = paths;
+}
+
+void CalibrateScreen::chooseParFile(const std::string& path) {
+    parFileText = path;
+}
+
+void CalibrateScreen::pickParFile(Dialogs& dialogs) {
+    if (const auto path = dialogs.pickSaveFile(ParFilter, state_.defaultDir, "PAR")) {
+        chooseParFile(*path);
+    }
+}
+
+void CalibrateScreen::updateNoOfDays() {
+    const auto start = core::parseDate(fsDate.text);
+    const auto end = core::parseDate(feDate.text);
+    if (start && end) {
+        noOfDays = std::to_string(core::daysInclusive(*start, *end));
+    }
+}
+
+bool CalibrateScreen::checkFitStart(Dialogs& dialogs) {
+    const bool ok =
+        fsDate.check(dialogs, [&](const std::string& text) -> std::optional<std::string> {
+            const auto start = core::parseDate(text);
+            if (!start) {
+                return "Start date is invalid - it must be in the format dd/mm/yyyy.";
+            }
+            const auto end = core::parseDate(feDate.text);
+            if (end && core::dayDifference(*start, *end) < 0) {
+                return "End date must be later than start date.";
+            }
+            const auto record = core::parseDate(state_.globalSDate);
+            if (record && core::dayDifference(*record, *start) < 0) {
+                return "Fit start date must be later than record start date.";
+            }
+            return std::nullopt;
+        });
+    updateNoOfDays();
+    return ok;
+}
+
+bool CalibrateScreen::checkFitEnd(Dialogs& dialogs) {
+    const bool ok =
+        feDate.check(dialogs, [&](const std::string& text) -> std::optional<std::string> {
+            const auto end = core::parseDate(text);
+            if (!end) {
+                return "End date is invalid - it must be in the format dd/mm/yyyy.";
+            }
+            const auto start = core::parseDate(fsDate.text);
+            if (start && core::dayDifference(*start, *end) < 0) {
+                return "End date must be later than start date.";
+            }
+            const auto record = core::parseDate(state_.globalEDate);
+            if (record && core::dayDifference(*end, *record) < 0) {
+                return "Fit end date must be earlier than record end date.";
+            }
+            return std::nullopt;
+        });
+    updateNoOfDays();
+    return ok;
+}
+
+bool CalibrateScreen::checkFolds(Dialogs& dialogs) {
+    return noOfFoldsText.check(dialogs,
+                               numberBetween(2, 10, "Folds value is invalid.",
+                                             "Number of folds cannot be less than 2 or greater "
+                                             "than 10."));
+}
+
+bool CalibrateScreen::checkHistogramCategories(Dialogs& dialogs) {
+    return histogramCatsText.check(
+        dialogs, numberBetween(5, 100, "Histogram catgeories value is invalid.",
+                               "Histogram catgeories cannot be less than 5 or greater than 100."));
+}
+
+bool CalibrateScreen::checkParFileName(Dialogs& dialogs) {
+    const std::string_view name = parFileText;
+    const std::string_view extension = name.size() >= 4 ? name.substr(name.size() - 4) : name;
+    if (extension != ".PAR" && extension != ".par") {
+        dialogs.error("PAR file name must end in .PAR or .par");
+        return false;
+    }
+    if (name.size() < 5) {
+        dialogs.error("PAR file name is unacceptable.");
+        return false;
+    }
+    if (core::bareFileName(name).size() <= 4) {
+        dialogs.error("You must select an appropriate PAR file name to save data to.");
+        return false;
+    }
+    return true;
+}
+
+bool CalibrateScreen::checkInputs(Dialogs& dialogs) {
+    const bool stepwise = state_.applyStepwise;
+    const auto refuse = [&](std::string_view message) {
+        dialogs.error(message);
+        return false;
+    };
+    if (ptandText == NotSelected) {
+        return refuse("You must select a predictand.");
+    }
+    if (noOfFiles() < 1) {
+        return refuse("You must select at least one predictor.");
+    }
+    if (stepwise && noOfFiles() > calibration::MaxStepwisePredictors) {
+        return refuse("You cannot select more than 8 predictors for the stepwise approach.");
+    }
+    if (stepwise && xValidationCheck) {
+        return refuse("You cannot perform a cross validation with the stepwise approach. Please "
+                      "go to advanced settings to deselect.");
+    }
+    if (stepwise && modelType != Annual) {
+        return refuse("You can only select an annual model for the stepwise approach.");
+    }
+    if (stepwise && parmOpt == Conditional) {
+        return refuse("You can only select an unconditional model for the stepwise approach.");
+    }
+    if (parFileText == NoParFile || parFileText.empty()) {
+        return refuse("You must enter an appropriate output file name.");
+    }
+    if (!checkFitStart(dialogs) || !checkFitEnd(dialogs) || !checkParFileName(dialogs) ||
+        !checkFolds(dialogs) || !checkHistogramCategories(dialogs)) {
+        return false;
+    }
+    if (xValidationCheck) {
+        return refuse("Cross validation is not available in this version. Please untick it "
+                      "to calibrate.");
+    }
+    if (stepwise && autoRegressionCheck) {
+        // The search would weigh the lag term as one of the named predictors, and the
+        // parameter file has no way to say which were kept.
+        return refuse("You cannot include autoregression with the stepwise approach.");
+    }
+    return true;
+}
+
+calibration::CalibrationRequest CalibrateScreen::request() const {
+    calibration::CalibrationRequest r;
+    r.data.predictandPath = predictandPath;
+    r.data.predictorPaths = selectedPredictors;
+    r.data.fitStart = *core::parseDate(fsDate.text);
+    r.data.fitEnd = *core::parseDate(feDate.text);
+    r.data.fitDays = core::daysInclusive(r.data.fitStart, r.data.fitEnd);
+    r.data.modelType = static_cast<calibration::ModelType>(modelType);
+    r.predictandName = ptandText;
+    r.fitStartText = fsDate.text;
+    r.conditional = parmOpt == Conditional;
+    r.autoregression = autoRegressionCheck;
+    r.includeChow = includeChow;
+    return r;
+}
+
+RunOutcome CalibrateScreen::calibrate(Dialogs& dialogs, core::Progress& progress) {
+    results.reset();
+    report.reset();
+    silentStopReason.clear();
+    if (!checkInputs(dialogs)) {
+        return RunOutcome::Refused;
+    }
+    if (state_.applyStepwise && !dialogs.askYesNo("Cancel?", StepwiseQuestion, Icon::Question)) {
+        return RunOutcome::Refused;
+    }
+    const calibration::CalibrationRequest calibrationRequest = request();
+    return guardedRun(
+        dialogs,
+        [&] {
+            DialogNotifier notifier(dialogs);
+            try {
+                calibration::CalibrationResults found = calibration::calibrate(
+                    state_, calibrationRequest, meanRatio, progress, notifier);
+                progress.report(100, 100, calibration::CalibratingCaption);
+                calibration::writeParameterFile(parFileText, found.parameters);
+                calibration::ReportOptions options;
+                options.conditional = calibrationRequest.conditional;
+                options.autoregression = calibrationRequest.autoregression;
+                options.includeChow = calibrationRequest.includeChow;
+                report = calibration::buildReport(state_, found, options);
+                results = std::move(found);
+            } catch (const calibration::SilentStop& stop) {
+                silentStopReason = stop.what();
+                cleanup();
+                return RunOutcome::Failed;
+            }
+            cleanup();
+            return RunOutcome::Done;
+        },
+        [&] { cleanup(); });
+}
+
+std::string CalibrateScreen::reportText() const {
+    return report ? calibration::reportText(*report) : std::string();
+}
+
+} // namespace varo::screens
