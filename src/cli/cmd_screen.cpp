@@ -1,7 +1,8 @@
-// varo screen correlation|variance PREDICTAND PREDICTOR...: the predictor screening of the
-// screening screen, printing its report (or JSON with --json).
+// varo screen correlation|variance|scatter PREDICTAND PREDICTOR...: the predictor screening
+// of the screening screen, printing its report or the scatter points (or JSON with --json).
 #include "cli/commands.hpp"
 
+#include "core/number_format.hpp"
 #include "screens/screen_vars_screen.hpp"
 
 #include <algorithm>
@@ -100,6 +101,37 @@ nlohmann::ordered_json varianceJson(const ScreenOptions& options,
     return document;
 }
 
+// The chart's points: its title, the axis titles, then one "x y" line a point.
+int runScatter(CliContext& context, const ScreenOptions& options,
+               screens::ScreenVarsScreen& screen) {
+    const auto outcome = screen.scatter(context.dialogs(), context.progress());
+    if (outcome != screens::RunOutcome::Done) {
+        return exitCodeFor(outcome);
+    }
+    const auto& data = *screen.scatterPoints;
+    if (context.options.json) {
+        nlohmann::ordered_json document = commonJson(options, screen);
+        document["period"] = options.period;
+        document["title"] = data.title;
+        document["xTitle"] = data.xTitle;
+        document["yTitle"] = data.yTitle;
+        document["missing"] = data.missingCount;
+        auto points = nlohmann::ordered_json::array();
+        for (const auto& point : data.points) {
+            points.push_back({point.x, point.y});
+        }
+        document["points"] = points;
+        context.printJson(document);
+        return ExitDone;
+    }
+    context.printLine(data.title);
+    context.printLine(data.xTitle + " " + data.yTitle);
+    for (const auto& point : data.points) {
+        context.printLine(core::generalText(point.x) + " " + core::generalText(point.y));
+    }
+    return ExitDone;
+}
+
 int runScreen(CliContext& context, const ScreenOptions& options) {
     if (const int refused = context.prepareState()) {
         return refused;
@@ -122,6 +154,9 @@ int runScreen(CliContext& context, const ScreenOptions& options) {
                                                        : screens::ScreenVarsScreen::Unconditional,
                       dialogs);
     screen.setAutoregression(options.autoregression, dialogs);
+    if (options.analysis == "scatter") {
+        return runScatter(context, options, screen);
+    }
     const bool correlation = options.analysis == "correlation";
     const auto outcome = correlation ? screen.correlate(dialogs, context.progress())
                                      : screen.explainVariance(dialogs, context.progress());
@@ -152,17 +187,19 @@ std::vector<std::string> periodNames() {
 void addScreenCommand(CLI::App& app, CliContext& context, CommandResult& result) {
     const auto options = std::make_shared<ScreenOptions>();
     CLI::App* command = app.add_subcommand(
-        "screen", "Screen predictors: correlation matrix or explained variance by month");
-    command->add_option("ANALYSIS", options->analysis, "correlation or variance")
+        "screen",
+        "Screen predictors: correlation matrix, explained variance by month, or scatter points");
+    command->add_option("ANALYSIS", options->analysis, "correlation, variance or scatter")
         ->required()
-        ->check(CLI::IsMember({"correlation", "variance"}));
+        ->check(CLI::IsMember({"correlation", "variance", "scatter"}));
     command->add_option("PREDICTAND", options->predictand, "Predictand file")->required();
-    command->add_option("PREDICTOR", options->predictors, "Predictor files, in order")->required();
+    command->add_option("PREDICTOR", options->predictors,
+                        "Predictor files, in order (scatter: one, or none with --autoregression)");
     command->add_option("--fit-start", options->fitStart,
                         "First day of the analysis, dd/mm/yyyy (default: record start)");
     command->add_option("--fit-end", options->fitEnd,
                         "Last day of the analysis, dd/mm/yyyy (default: record end)");
-    command->add_option("--period", options->period, "Period of the year (correlation only)")
+    command->add_option("--period", options->period, "Period of the year (correlation and scatter)")
         ->check(CLI::IsMember(periodNames()));
     command->add_option("--process", options->process, "conditional or unconditional")
         ->check(CLI::IsMember({"conditional", "unconditional"}));

@@ -86,6 +86,7 @@ void ScreenVarsScreen::clearResults() {
     correlation.reset();
     variance.reset();
     report.reset();
+    scatterPoints.reset();
 }
 
 void ScreenVarsScreen::choosePredictand(const std::string& path) {
@@ -290,6 +291,37 @@ RunOutcome ScreenVarsScreen::explainVariance(Dialogs& dialogs, core::Progress& p
             report = screening::varianceReport(
                 result, {fsDate.text, feDate.text, sigLevelText.text}, sigLevel);
             variance = std::move(result);
+            return RunOutcome::Done;
+        },
+        [&] {
+            clearResults();
+            state_.stopRequested.clear();
+        });
+}
+
+RunOutcome ScreenVarsScreen::scatter(Dialogs& dialogs, core::Progress& progress) {
+    clearResults();
+    if (predictandPath.empty()) {
+        dialogs.error("You must select a predictand.");
+        return RunOutcome::Refused;
+    }
+    if (!autoRegressionTick && selectedPredictors.empty()) {
+        dialogs.error("You must select one predictor to plot with.");
+        return RunOutcome::Refused;
+    }
+    if (!autoRegressionTick && selectedPredictors.size() > 1) {
+        dialogs.error("You must select only one predictor only to plot with.");
+        return RunOutcome::Refused;
+    }
+    if (!checkFitStart(dialogs) || !checkFitEnd(dialogs)) {
+        return RunOutcome::Refused;
+    }
+    return guardedRun(
+        dialogs,
+        [&] {
+            auto points = screening::scatterData(request(), state_, progress);
+            fileList = {points.xTitle};
+            scatterPoints = std::move(points);
             return RunOutcome::Done;
         },
         [&] {

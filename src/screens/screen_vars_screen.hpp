@@ -8,6 +8,7 @@
 #include "screening/correlation.hpp"
 #include "screening/explained_variance.hpp"
 #include "screening/report_text.hpp"
+#include "screening/scatter.hpp"
 #include "screening/screening_data.hpp"
 #include "screens/dialogs.hpp"
 #include "screens/screen_run.hpp"
@@ -60,6 +61,7 @@ public:
     std::optional<screening::CorrelationResult> correlation;
     std::optional<screening::ExplainedVariance> variance;
     std::optional<screening::ReportText> report;
+    std::optional<screening::ScatterData> scatterPoints;
 
     // The predictand picker opens on the folder of the last predictand chosen, else on
     // the default folder; the choice is remembered in the program state.
@@ -82,9 +84,12 @@ public:
     bool checkFitEnd(Dialogs& dialogs);
     bool checkSigLevel(Dialogs& dialogs);
 
-    // The two analyses.
+    // The analyses.
     RunOutcome correlate(Dialogs& dialogs, core::Progress& progress);
     RunOutcome explainVariance(Dialogs& dialogs, core::Progress& progress);
+    // The points of the scatter chart: one predictor, or with the autoregression the
+    // predictand's previous day, against the predictand.
+    RunOutcome scatter(Dialogs& dialogs, core::Progress& progress);
 
     void reset();
     // Shows the record's dates afresh after the settings changed.

@@ -84,3 +84,16 @@ TEST(CliScreen, RefusalsAndFailures) {
     EXPECT_EQ(shortFiles.exitCode, 1);
     EXPECT_NE(shortFiles.err.find("Input past end of file."), std::string::npos);
 }
+
+TEST(CliScreen, ScatterPrintsTheChartsPoints) {
+    TempDir dir;
+    const auto run = runVaro(dir, {"screen", "scatter", Data + "predictand.dat",
+                                   Data + "p1_mslp.dat", "--fit-end", "03/01/1961"});
+    ASSERT_EQ(run.exitCode, 0) << run.err;
+    EXPECT_EQ(run.out, "0 missing value(s): predictand.dat\n"
+                       "p1_mslp.dat predictand.dat\n"
+                       "1011.31 -2.65\n1008.86 -12.28\n1014.2 -11.81\n");
+    const auto none = runVaro(dir, {"screen", "scatter", Data + "predictand.dat"});
+    EXPECT_EQ(none.exitCode, 2);
+    EXPECT_EQ(none.err, "Error Message: You must select one predictor to plot with.\n");
+}

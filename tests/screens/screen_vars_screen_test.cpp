@@ -173,3 +173,18 @@ TEST_F(ScreenVarsFixture, ACancelShowsNothingAndLeavesNoResults) {
     EXPECT_TRUE(dialogs.messages.empty());
     EXPECT_FALSE(screen.report.has_value());
 }
+
+TEST_F(ScreenVarsFixture, ScatterNeedsExactlyOnePredictorUnlessItIsTheAutoregression) {
+    ScreenVarsScreen screen(state);
+    screen.choosePredictand(DataFolder + "predictand.dat");
+    screen.feDate.text = "31/12/1963";
+    EXPECT_EQ(screen.scatter(dialogs, progress), Outcome::Refused);
+    EXPECT_EQ(dialogs.lastText(), "You must select one predictor to plot with.");
+    screen.choosePredictors({DataFolder + "p1_mslp.dat", DataFolder + "p2_p500.dat"}, dialogs);
+    EXPECT_EQ(screen.scatter(dialogs, progress), Outcome::Refused);
+    EXPECT_EQ(dialogs.lastText(), "You must select only one predictor only to plot with.");
+    screen.setAutoregression(true, dialogs);
+    ASSERT_EQ(screen.scatter(dialogs, progress), Outcome::Done);
+    EXPECT_EQ(screen.scatterPoints->xTitle, "Autoregression");
+    EXPECT_EQ(screen.scatterPoints->points.size() + 8, 3u * 365 - 1);
+}
