@@ -41,8 +41,9 @@ int runDemo(CliContext& context, const std::string& folder) {
         return exitCodeFor(written);
     }
     context.printLine("Sample data written to " + folder + "/: precip.dat, tmax.dat (1961-1990),");
-    context.printLine("  predictors/ and future/ (" + std::to_string(files.predictorFiles.size()) +
-                      " predictors, 1961-1990 and 2011-2099 on a 360-day calendar)");
+    context.printLine(
+        "  predictors/ and future/ (" + std::to_string(files.predictorFiles.size()) +
+        " predictors, observed 1961-1990 and a climate model's 1961-2099 on a 360-day calendar)");
     context.printLine("");
     context.printLine("Quality check:");
     const bool checked = checkQuality(context, files.precipitation) &&

@@ -173,11 +173,18 @@ private:
     std::array<double, Count> anomalies_{};
 };
 
+// A predictor's value as its file holds it: the physical value (mean, seasonal cosine,
+// anomaly and shift, kept within physical bounds), normalised by the baseline climate,
+// whose variance is that of the anomalies plus that of the cosine.
 double predictorValue(int i, double yearFraction, double anomaly, double shift) {
     const PredictorShape& shape = Shapes[i];
     const double cycle = std::cos(2.0 * std::numbers::pi * (yearFraction - shape.peakDay / 365.25));
-    const double value = shape.mean + shape.amplitude * cycle + shape.spread * anomaly + shift;
-    return std::clamp(value, shape.low, shape.high);
+    const double value =
+        std::clamp(shape.mean + shape.amplitude * cycle + shape.spread * anomaly + shift, shape.low,
+                   shape.high);
+    const double deviation =
+        std::sqrt(shape.spread * shape.spread + shape.amplitude * shape.amplitude / 2.0);
+    return (value - shape.mean) / deviation;
 }
 
 // The predictor files of one folder, written a day at a time.
@@ -250,8 +257,8 @@ double precipitation(const LatentWeather& weather, double yearFraction, SampleRa
 }
 
 double maximumTemperature(const std::array<double, Count>& values, SampleRandom& random) {
-    return TmaxIntercept + TmaxOnTemp * values[Temperature] + TmaxOnP500 * (values[P500] - 5600.0) +
-           TmaxOnR850 * (values[Humidity850] - 70.0) + TmaxNoise * random.normal();
+    return TmaxIntercept + TmaxOnTemp * values[Temperature] + TmaxOnP500 * values[P500] +
+           TmaxOnR850 * values[Humidity850] + TmaxNoise * random.normal();
 }
 
 void makeFolder(const std::string& folder) {
@@ -270,7 +277,7 @@ std::string predictorFileName(const std::string& code) {
 }
 
 double futureShift(const std::string& code, int year) {
-    const double centuries = (year - 2000) / 100.0;
+    const double centuries = std::max(0, year - 2000) / 100.0;
     if (code == "temp") {
         return 3.5 * centuries;
     }

@@ -43,7 +43,7 @@ sampledata::SampleFiles SampleFixture::files;
 
 TEST_F(SampleFixture, FilesCoverTheirPeriodsRowForRow) {
     EXPECT_EQ(files.days, 10957);
-    EXPECT_EQ(files.futureDays, 89 * 360);
+    EXPECT_EQ(files.futureDays, 139 * 360);
     readAll(files.precipitation, files.days);
     readAll(files.maximumTemperature, files.days);
     for (const auto& name : files.predictorFiles) {
@@ -57,7 +57,7 @@ TEST_F(SampleFixture, SameSeedSameBytesOtherSeedOtherData) {
     TempDir other;
     sampledata::SampleOptions shortRun;
     shortRun.lastYear = 1962;
-    shortRun.futureLastYear = 2012;
+    shortRun.futureLastYear = 1962;
     const auto first = sampledata::writeSampleData(other.path("first"), shortRun);
     const auto again = sampledata::writeSampleData(other.path("again"), shortRun);
     EXPECT_EQ(readFile(again.precipitation), readFile(first.precipitation));
@@ -124,16 +124,34 @@ TEST_F(SampleFixture, MaximumTemperatureFollowsItsKnownRelation) {
     Eigen::VectorXd y(static_cast<long>(rows.size()));
     for (size_t r = 0; r < rows.size(); ++r) {
         const auto i = static_cast<size_t>(rows[r]);
-        x.row(static_cast<long>(r)) << 1.0, temp[i], p500[i] - 5600.0, r850[i] - 70.0;
+        x.row(static_cast<long>(r)) << 1.0, temp[i], p500[i], r850[i];
         y(static_cast<long>(r)) = tmax[i];
     }
     const Eigen::VectorXd beta = x.colPivHouseholderQr().solve(y);
-    EXPECT_NEAR(beta(1), sampledata::TmaxOnTemp, 0.03);
-    EXPECT_NEAR(beta(2), sampledata::TmaxOnP500, 0.0006);
-    EXPECT_NEAR(beta(3), sampledata::TmaxOnR850, 0.005);
+    EXPECT_NEAR(beta(0), sampledata::TmaxIntercept, 0.05);
+    EXPECT_NEAR(beta(1), sampledata::TmaxOnTemp, 0.05);
+    EXPECT_NEAR(beta(2), sampledata::TmaxOnP500, 0.05);
+    EXPECT_NEAR(beta(3), sampledata::TmaxOnR850, 0.05);
     const double residualSd =
         std::sqrt((y - x * beta).squaredNorm() / static_cast<double>(rows.size() - 4));
     EXPECT_NEAR(residualSd, sampledata::TmaxNoise, 0.06);
+}
+
+TEST_F(SampleFixture, PredictorsAreNormalisedOverTheBasePeriod) {
+    for (const char* code : sampledata::PredictorCodes) {
+        const auto values = predictor(code);
+        double sum = 0.0;
+        double squares = 0.0;
+        for (double value : values) {
+            sum += value;
+            squares += value * value;
+        }
+        const double mean = sum / static_cast<double>(values.size());
+        EXPECT_NEAR(mean, 0.0, 0.15) << code;
+        EXPECT_NEAR(std::sqrt(squares / static_cast<double>(values.size()) - mean * mean), 1.0,
+                    0.15)
+            << code;
+    }
 }
 
 TEST_F(SampleFixture, PredictorsPersistAndCorrelateLikeTheAtmosphere) {
@@ -143,10 +161,9 @@ TEST_F(SampleFixture, PredictorsPersistAndCorrelateLikeTheAtmosphere) {
     double sxx = 0.0;
     double syy = 0.0;
     double lag = 0.0;
-    const double meanP = 1013.0;
     for (size_t i = 0; i < mslp.size(); ++i) {
-        sxy += (mslp[i] - meanP) * vorticity[i];
-        sxx += (mslp[i] - meanP) * (mslp[i] - meanP);
+        sxy += mslp[i] * vorticity[i];
+        sxx += mslp[i] * mslp[i];
         syy += vorticity[i] * vorticity[i];
         if (i > 0) {
             lag += vorticity[i] * vorticity[i - 1];
@@ -161,14 +178,17 @@ TEST_F(SampleFixture, FuturePredictorsCarryTheClimateShift) {
     const long perYear = 360;
     const auto meanOfYears = [&](int first, int last) {
         double sum = 0.0;
-        for (long i = (first - 2011) * perYear; i < (last - 2011 + 1) * perYear; ++i) {
+        for (long i = (first - 1961) * perYear; i < (last - 1961 + 1) * perYear; ++i) {
             sum += future[static_cast<size_t>(i)];
         }
         return sum / static_cast<double>((last - first + 1) * perYear);
     };
-    const double change = meanOfYears(2071, 2099) - meanOfYears(2011, 2040);
+    const double change = meanOfYears(2071, 2099) - meanOfYears(1961, 1990);
+    // The shift is in deg C; the file holds temperature over its deviation, sqrt(3^2 + 7^2/2).
+    const double deviation = std::sqrt(9.0 + 49.0 / 2.0);
     const double expected =
-        sampledata::futureShift("temp", 2085) - sampledata::futureShift("temp", 2025);
-    EXPECT_NEAR(change, expected, 0.4);
-    EXPECT_GT(expected, 1.5);
+        (sampledata::futureShift("temp", 2085) - sampledata::futureShift("temp", 1975)) / deviation;
+    EXPECT_NEAR(change, expected, 0.1);
+    EXPECT_GT(expected, 0.4);
+    EXPECT_EQ(sampledata::futureShift("temp", 1990), 0.0);
 }
