@@ -94,4 +94,12 @@ BENCHMARK(ExplainedVariance)->Unit(benchmark::kMillisecond);
 
 } // namespace
 
-BENCHMARK_MAIN();
+// The files are written before any timing starts.
+int main(int argc, char** argv) {
+    request();
+    programState();
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+    benchmark::Shutdown();
+    return 0;
+}
