@@ -147,7 +147,9 @@ bool writeProfileString(const std::string& path, std::string_view section, std::
         if (sectionFound) {
             lines.insert(lines.begin() + static_cast<long>(insertAt), keyLine);
         } else {
-            lines.push_back("[" + std::string(section) + "]");
+            std::string header(1, '[');
+            header.append(section).push_back(']');
+            lines.push_back(header);
             lines.push_back(keyLine);
         }
     }
