@@ -1,0 +1,300 @@
+// varo stats IN -o RESULTS.TXT: the summary statistics of an observed series or a modelled
+// OUT file, through the statistics selection screen (statistics and parameters) and the
+// summary statistics screen (source, member, period, run).
+#include "cli/commands.hpp"
+
+#include "core/numeric_text.hpp"
+#include "screens/analyse_screen.hpp"
+#include "screens/stats_select_screen.hpp"
+
+#include <cmath>
+#include <optional>
+
+namespace varo::cli {
+
+namespace {
+
+struct StatsOptions {
+    std::string input;
+    std::string output;
+    bool observed = false;
+    bool modelled = false;
+    std::optional<std::string> member;
+    bool ensembleMean = false;
+    std::optional<std::string> start;
+    std::optional<std::string> end;
+    std::optional<std::string> stats;
+    std::optional<std::string> percentile;
+    std::optional<std::string> potThreshold;
+    std::optional<std::string> pbtThreshold;
+    std::optional<std::string> nDay;
+    std::optional<std::string> popPercentile;
+    std::optional<std::string> delta;
+    std::array<std::optional<std::string>, 4> periods; // base, A, B, C
+};
+
+constexpr const char* Help = R"(Summary statistics by month, season and year into a results file.
+
+Defaults are those of the screens: the statistics flagged in the statistic table (Mean,
+Maximum, Minimum, Variance and Sum at first), percentile 95, peaks-over and peaks-below
+thresholds 0, N-day total 5, POP percentile 90, ensemble member 1, and the analysis
+period of the settings (GlobalSDate to GlobalEDate). A file ending in .OUT or .out is
+modelled (its SIM file gives the members, year length and start date), any other file
+observed (one number a day from GlobalSDate, the calendar of the settings). --delta or
+any period option makes a delta run: the base period (default 01/01/1961:31/12/1990)
+against Periods A (2011-2040), B (2041-2070) and C (2071-2099), percentage differences
+unless --delta absolute. Dates are dd/mm/yyyy; periods START:END.)";
+
+std::string lowerCase(std::string text) {
+    for (char& c : text) {
+        c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    }
+    return text;
+}
+
+// Ticks exactly the named statistics, through the screen's eight-tick limit.
+bool selectStatistics(CliContext& context, screens::StatsSelectScreen& screen,
+                      const std::string& list) {
+    for (int i = 1; i <= screens::StatsSelectScreen::BoxCount; ++i) {
+        screen.check1[i] = false;
+    }
+    size_t begin = 0;
+    while (begin <= list.size()) {
+        size_t comma = list.find(',', begin);
+        if (comma == std::string::npos) {
+            comma = list.size();
+        }
+        const std::string name = list.substr(begin, comma - begin);
+        begin = comma + 1;
+        if (name.empty()) {
+            continue;
+        }
+        int index = 0;
+        for (int i = 1; i <= screens::StatsSelectScreen::BoxCount && index == 0; ++i) {
+            if (lowerCase(screen.statisticName(i)) == lowerCase(name)) {
+                index = i;
+            }
+        }
+        if (index == 0) {
+            std::string known;
+            for (int i = 1; i <= screens::StatsSelectScreen::BoxCount; ++i) {
+                known += (i > 1 ? ", " : "") + screen.statisticName(i);
+            }
+            context.dialogs().error("Unknown statistic '" + name +
+                                    "' in --stats. Statistics: " + known + ".");
+            return false;
+        }
+        if (!screen.click(context.dialogs(), index, true)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool setField(screens::TextField& field, const std::optional<std::string>& value,
+              const std::function<bool()>& check) {
+    if (!value) {
+        return true;
+    }
+    field.text = *value;
+    return check();
+}
+
+bool setPeriod(CliContext& context, screens::StatsSelectScreen& screen,
+               screens::StatsSelectScreen::Period period, const std::optional<std::string>& text,
+               const char* option) {
+    if (!text) {
+        return true;
+    }
+    const size_t colon = text->find(':');
+    if (colon == std::string::npos) {
+        context.dialogs().error(std::string(option) +
+                                " takes START:END (dd/mm/yyyy:dd/mm/yyyy), not '" + *text + "'.");
+        return false;
+    }
+    screen.startText(period).text = text->substr(0, colon);
+    screen.endText(period).text = text->substr(colon + 1);
+    return screen.checkStart(context.dialogs(), period) &&
+           screen.checkEnd(context.dialogs(), period);
+}
+
+// The statistics selection screen: choices from the options, written into the state.
+bool applySelection(CliContext& context, const StatsOptions& options) {
+    screens::StatsSelectScreen screen(context.state);
+    auto& dialogs = context.dialogs();
+    if (options.stats && !selectStatistics(context, screen, *options.stats)) {
+        return false;
+    }
+    const bool fieldsOk = setField(screen.addPercentText, options.percentile,
+                                   [&] { return screen.checkAddPercent(dialogs); }) &&
+                          setField(screen.poThreshText, options.potThreshold,
+                                   [&] { return screen.checkPoThresh(dialogs); }) &&
+                          setField(screen.pbtThreshText, options.pbtThreshold,
+                                   [&] { return screen.checkPbtThresh(dialogs); }) &&
+                          setField(screen.nDayTotalText, options.nDay,
+                                   [&] { return screen.checkNDayTotal(dialogs); }) &&
+                          setField(screen.precPotText, options.popPercentile,
+                                   [&] { return screen.checkPrecPot(dialogs); });
+    if (!fieldsOk) {
+        return false;
+    }
+    using Period = screens::StatsSelectScreen::Period;
+    if (!setPeriod(context, screen, Period::Base, options.periods[0], "--base") ||
+        !setPeriod(context, screen, Period::A, options.periods[1], "--period-a") ||
+        !setPeriod(context, screen, Period::B, options.periods[2], "--period-b") ||
+        !setPeriod(context, screen, Period::C, options.periods[3], "--period-c")) {
+        return false;
+    }
+    if (options.delta) {
+        screen.deltaOption = *options.delta == "absolute" ? 1 : 0;
+    }
+    screen.leave();
+    return true;
+}
+
+bool endsInOut(const std::string& path) {
+    return path.size() >= 4 && lowerCase(path.substr(path.size() - 4)) == ".out";
+}
+
+nlohmann::ordered_json jsonValue(double value, double missingCode) {
+    return value == missingCode || !std::isfinite(value) ? nlohmann::ordered_json()
+                                                         : nlohmann::ordered_json(value);
+}
+
+nlohmann::ordered_json jsonTable(const statistics::ReportLabels& labels,
+                                 const statistics::ResultTable& table, double missingCode) {
+    nlohmann::ordered_json rows = nlohmann::ordered_json::array();
+    for (int row = 1; row <= statistics::CalendarRowCount; ++row) {
+        nlohmann::ordered_json line;
+        line["period"] = labels.rowNames[row];
+        for (size_t i = 0; i < labels.columns.size(); ++i) {
+            line[labels.columnNames[i]] = jsonValue(table[row][labels.columns[i]], missingCode);
+        }
+        rows.push_back(line);
+    }
+    return rows;
+}
+
+nlohmann::ordered_json jsonTests(const statistics::ReportLabels& labels,
+                                 const statistics::DeltaResults& delta, bool degrees,
+                                 double missingCode) {
+    nlohmann::ordered_json rows = nlohmann::ordered_json::array();
+    for (int row = 1; row <= statistics::CalendarRowCount; ++row) {
+        nlohmann::ordered_json line;
+        line["period"] = labels.rowNames[row];
+        const char* names[] = {"Period A", "Period B", "Period C"};
+        for (size_t p = 0; p < 3; ++p) {
+            const auto& test = delta.tests[p][row];
+            line[names[p]] = jsonValue(degrees ? test.degreesOfFreedom : test.t, missingCode);
+        }
+        rows.push_back(line);
+    }
+    return rows;
+}
+
+nlohmann::ordered_json jsonReport(const screens::AnalyseScreen& screen, double missingCode) {
+    const auto& labels = screen.labels;
+    const auto& results = *screen.results;
+    nlohmann::ordered_json document;
+    document["file"] = labels.fileName;
+    document["results"] = core::bareFileName(screen.saveFileText);
+    document["start"] = labels.startDate;
+    document["end"] = labels.endDate;
+    document["members"] = labels.members;
+    document["statistics"] = labels.columnNames;
+    document["table"] = jsonTable(labels, results.base.values, missingCode);
+    if (results.base.deviations) {
+        document["standardDeviations"] = jsonTable(labels, *results.base.deviations, missingCode);
+    }
+    if (results.delta) {
+        nlohmann::ordered_json delta;
+        delta["kind"] = labels.deltaKind == statistics::AbsoluteDelta ? "absolute" : "percentage";
+        const char* names[] = {"Period A", "Period B", "Period C"};
+        nlohmann::ordered_json periods = nlohmann::ordered_json::array();
+        for (size_t p = 0; p < 3; ++p) {
+            nlohmann::ordered_json period;
+            period["period"] = names[p];
+            period["start"] = labels.periodStart[p];
+            period["end"] = labels.periodEnd[p];
+            period["table"] = jsonTable(labels, results.delta->deltas[p], missingCode);
+            periods.push_back(period);
+        }
+        delta["periods"] = periods;
+        delta["tTest"] = jsonTests(labels, *results.delta, false, missingCode);
+        delta["degreesOfFreedom"] = jsonTests(labels, *results.delta, true, missingCode);
+        document["delta"] = delta;
+    }
+    return document;
+}
+
+int runStats(CliContext& context, const StatsOptions& options) {
+    if (const int refused = context.prepareState()) {
+        return refused;
+    }
+    if (!applySelection(context, options)) {
+        return ExitRefused;
+    }
+    screens::AnalyseScreen screen(context.state);
+    screen.inputFileText = options.input;
+    screen.saveFileText = options.output;
+    const bool modelled = options.modelled || (!options.observed && endsInOut(options.input));
+    screen.sourceButton = modelled ? screens::AnalyseScreen::Source::Modelled
+                                   : screens::AnalyseScreen::Source::Observed;
+    screen.ensembleMeanCheck = options.ensembleMean;
+    if (options.member) {
+        screen.ensembleNumber.text = *options.member;
+    }
+    if (options.start) {
+        screen.startDateText.text = *options.start;
+    }
+    if (options.end) {
+        screen.endDateText.text = *options.end;
+    }
+    screen.deltaCheck = options.delta.has_value() ||
+                        std::any_of(options.periods.begin(), options.periods.end(),
+                                    [](const auto& period) { return period.has_value(); });
+    const auto outcome = screen.run(context.dialogs(), context.progress());
+    if (outcome == screens::RunOutcome::Done && context.options.json) {
+        context.printJson(jsonReport(screen, context.state.globalMissingCode));
+    }
+    return exitCodeFor(outcome);
+}
+
+} // namespace
+
+void addStatsCommand(CLI::App& app, CliContext& context, CommandResult& result) {
+    const auto options = std::make_shared<StatsOptions>();
+    CLI::App* stats = app.add_subcommand("stats", "Summary statistics of a series or OUT file");
+    stats->footer(Help);
+    stats->add_option("IN", options->input, "Observed data file or modelled OUT file")->required();
+    stats->add_option("-o,--output", options->output, "Results file to write")->required();
+    auto* observed = stats->add_flag("--observed", options->observed,
+                                     "Observed data: one number a day (default unless .OUT)");
+    auto* modelled = stats->add_flag("--modelled", options->modelled,
+                                     "Modelled OUT file with its SIM file (default for .OUT)");
+    observed->excludes(modelled);
+    auto* member = stats->add_option("--member", options->member, "Ensemble member (default 1)");
+    auto* mean = stats->add_flag("--ensemble-mean", options->ensembleMean,
+                                 "Mean and standard deviation over all members");
+    member->excludes(mean);
+    stats->add_option("--start", options->start, "Analysis start date (default GlobalSDate)");
+    stats->add_option("--end", options->end, "Analysis end date (default GlobalEDate)");
+    stats->add_option("--stats", options->stats,
+                      "Statistics to compute, comma-separated, at most eight (e.g. "
+                      "Mean,Max_NTot,Wet-spell)");
+    stats->add_option("--percentile", options->percentile, "Percentile of 'Percentile' (95)");
+    stats->add_option("--pot-threshold", options->potThreshold, "Threshold of POT (0)");
+    stats->add_option("--pbt-threshold", options->pbtThreshold, "Threshold of PBT (0)");
+    stats->add_option("--nday", options->nDay, "Days of Max_NTot, 2 to 100 (5)");
+    stats->add_option("--pop-percentile", options->popPercentile,
+                      "Percentile of the year's wet days that POP counts above (90)");
+    stats->add_option("--delta", options->delta, "Delta run: percentage or absolute")
+        ->check(CLI::IsMember({"percentage", "absolute"}));
+    stats->add_option("--base", options->periods[0], "Base period START:END of a delta run");
+    stats->add_option("--period-a", options->periods[1], "Period A START:END of a delta run");
+    stats->add_option("--period-b", options->periods[2], "Period B START:END of a delta run");
+    stats->add_option("--period-c", options->periods[3], "Period C START:END of a delta run");
+    stats->callback([&, options] { result.exitCode = runStats(context, *options); });
+}
+
+} // namespace varo::cli

@@ -1,0 +1,348 @@
+#include "screens/analyse_screen.hpp"
+
+#include "core/dates.hpp"
+#include "core/failure.hpp"
+#include "core/numeric_text.hpp"
+#include "core/series_file.hpp"
+#include "statistics/statistic_columns.hpp"
+
+namespace varo::screens {
+
+namespace {
+
+constexpr int LongestAnalysisYears = 150;
+constexpr std::string_view SimReadMessage =
+    "An error occurred opeing the *.SIM file. Please try again.";
+
+bool isOutFile(const std::string& path) {
+    if (path.size() < 4) {
+        return false;
+    }
+    const std::string last = path.substr(path.size() - 4);
+    return last == ".OUT" || last == ".out";
+}
+
+bool isBlankText(const std::string& text) {
+    return text.find_first_not_of(" \t") == std::string::npos;
+}
+
+// The SIM file beside an OUT file, when it can be read and names a year length of 360,
+// 365 or 366 days.
+std::optional<weathergen::SimulationDescription> readDescription(const std::string& outPath) {
+    try {
+        auto description = weathergen::readSimulationDescription(weathergen::simPathFor(outPath));
+        const int length = description.yearIndicator;
+        if (length != 360 && length != 365 && length != 366) {
+            return std::nullopt;
+        }
+        return description;
+    } catch (const core::Failure&) {
+        return std::nullopt;
+    }
+}
+
+std::optional<std::string> ensembleNumberRefusal(const std::string& text) {
+    if (!core::isNumeric(text)) {
+        return "Ensemble member value is invalid.";
+    }
+    const long long member = core::roundHalfEven(core::leadingNumber(text));
+    if (member < 1 || member > 100) {
+        return "Ensemble member cannot be zero or greater than 100.";
+    }
+    return std::nullopt;
+}
+
+// The analysis dates in order and less than 150 calendar years apart. `isStart` says
+// which field is being left; a run checks both (`isStart` empty).
+std::optional<std::string> analysisDatesRefusal(const std::string& startText,
+                                                const std::string& endText,
+                                                std::optional<bool> isStart) {
+    const auto start = core::parseDate(startText);
+    const auto end = core::parseDate(endText);
+    if (isStart.value_or(true) && !start) {
+        return "Analysis start date is invalid.";
+    }
+    if (!isStart.value_or(false) && !end) {
+        return "Analysis end date is invalid.";
+    }
+    if (!start || !end) {
+        return std::nullopt;
+    }
+    if (core::dayDifference(*start, *end) <= 0) {
+        return isStart.value_or(false)
+                   ? "Analysis start date must be earlier than analysis end date."
+                   : "Analysis end date must be later than analysis start date.";
+    }
+    if (core::yearDifference(*start, *end) >= LongestAnalysisYears) {
+        return "Analysis period must be less than 150 years.";
+    }
+    return std::nullopt;
+}
+
+core::Date dateOf(const std::string& text) {
+    return core::parseDate(text).value_or(core::Date{});
+}
+
+} // namespace
+
+AnalyseScreen::AnalyseScreen(core::ProgramState& state)
+    : startDateText(state.globalSDate), endDateText(state.globalEDate), state_(state) {
+    showDays();
+}
+
+void AnalyseScreen::pickInputFile(Dialogs& dialogs) {
+    if (const auto path = dialogs.pickOpenFile(InputFilter, state_.defaultDir)) {
+        inputFileText = *path;
+    }
+}
+
+void AnalyseScreen::pickSaveFile(Dialogs& dialogs) {
+    if (const auto path = dialogs.pickSaveFile(SaveFilter, state_.defaultDir, "TXT")) {
+        saveFileText = *path;
+    }
+}
+
+void AnalyseScreen::showDetails(const weathergen::SimulationDescription& description) {
+    fileNPredictors = std::to_string(description.predictorCount);
+    fileSeasonCode = std::to_string(description.seasonCode);
+    fileYearLength = std::to_string(description.yearIndicator);
+    fileNDays = std::to_string(description.fitLength);
+    fileEnsembleSize = std::to_string(description.ensembleSize);
+    fileStartDate = description.fitStart;
+}
+
+bool AnalyseScreen::showFileDetails(Dialogs& dialogs) {
+    if (isBlankText(inputFileText)) {
+        dialogs.error("You must select a scenario file first.");
+        return false;
+    }
+    if (!isOutFile(inputFileText)) {
+        dialogs.error("You must select an appropriate scenario (*.OUT) file.");
+        return false;
+    }
+    if (sourceButton == Source::Observed) {
+        dialogs.error("You have selected observed data.  There is no scenario file available "
+                      "for observed data.");
+        return false;
+    }
+    const auto description = readDescription(inputFileText);
+    if (!description) {
+        dialogs.error("Sorry - an error has occurred opening the SIM file.  Please check "
+                      "settings and try again.");
+        return false;
+    }
+    showDetails(*description);
+    return true;
+}
+
+bool AnalyseScreen::checkEnsembleNumber(Dialogs& dialogs) {
+    return ensembleNumber.check(dialogs, ensembleNumberRefusal);
+}
+
+void AnalyseScreen::showDays() {
+    const auto start = core::parseDate(startDateText.text);
+    const auto end = core::parseDate(endDateText.text);
+    noOfDaysText = start && end ? std::to_string(core::daysInclusive(*start, *end)) : "";
+}
+
+bool AnalyseScreen::checkStartDate(Dialogs& dialogs) {
+    const std::string end = endDateText.text;
+    const bool ok = startDateText.check(
+        dialogs, [&](const std::string& text) { return analysisDatesRefusal(text, end, true); });
+    showDays();
+    return ok;
+}
+
+bool AnalyseScreen::checkEndDate(Dialogs& dialogs) {
+    const std::string start = startDateText.text;
+    const bool ok = endDateText.check(
+        dialogs, [&](const std::string& text) { return analysisDatesRefusal(start, text, false); });
+    showDays();
+    return ok;
+}
+
+std::optional<std::string> AnalyseScreen::runRefusal(
+    const std::optional<weathergen::SimulationDescription>& description) const {
+    const bool modelled = sourceButton == Source::Modelled;
+    if (isBlankText(inputFileText)) {
+        return "You must select a data file first.";
+    }
+    if (isBlankText(saveFileText)) {
+        return "You must enter a filename to save summary results to.";
+    }
+    if (modelled && !isOutFile(inputFileText)) {
+        return "You must select an appropriate scenario file for modelled analyses.";
+    }
+    const bool oneMember = modelled && !ensembleMeanCheck;
+    if (oneMember && description && core::isNumeric(ensembleNumber.text) &&
+        core::roundHalfEven(core::leadingNumber(ensembleNumber.text)) > description->ensembleSize) {
+        return "Ensemble member does not exist in data file.";
+    }
+    if (modelled && !description) {
+        return std::string(SimReadMessage);
+    }
+    if (oneMember && isBlankText(ensembleNumber.text)) {
+        return "You must enter an ensemble member if you do not wish to analyse the mean.";
+    }
+    if (oneMember) {
+        if (auto refusal = ensembleNumberRefusal(ensembleNumber.text)) {
+            return refusal;
+        }
+    }
+    if (!deltaCheck) {
+        if (auto refusal =
+                analysisDatesRefusal(startDateText.text, endDateText.text, std::nullopt)) {
+            return refusal;
+        }
+    } else {
+        const core::StatisticParameters& p = state_.statisticParameters;
+        const std::pair<const char*, const core::DatePeriod*> periods[] = {
+            {"Base", &p.basePeriod},
+            {"Period A", &p.periodA},
+            {"Period B", &p.periodB},
+            {"Period C", &p.periodC}};
+        for (const auto& [name, period] : periods) {
+            if (!core::parseDate(period->start)) {
+                return std::string(name) + " start date is invalid.";
+            }
+            if (!core::parseDate(period->end)) {
+                return std::string(name) + " end date is invalid.";
+            }
+        }
+    }
+    int flagged = 0;
+    for (int c = 1; c <= statistics::StatisticCount; ++c) {
+        flagged += core::statisticSelected(state_, c) ? 1 : 0;
+    }
+    if (flagged > statistics::MaximumSelected) {
+        return "You can select up to a maximum of eight statistics only.";
+    }
+    return std::nullopt;
+}
+
+statistics::AnalysisRequest AnalyseScreen::buildRequest(
+    const std::optional<weathergen::SimulationDescription>& description) const {
+    statistics::AnalysisRequest request;
+    request.source.path = inputFileText;
+    if (sourceButton == Source::Modelled && description) {
+        request.source.memberCount = description->ensembleSize;
+        request.source.calendar = core::calendarForYearLength(description->yearIndicator);
+        request.source.recordStart = dateOf(description->fitStart);
+        request.ensemble.mean = ensembleMeanCheck;
+        request.ensemble.member =
+            static_cast<int>(core::roundHalfEven(core::leadingNumber(ensembleNumber.text)));
+    } else {
+        request.source.memberCount = 1;
+        request.source.calendar = core::calendarInForce(state_);
+        request.source.recordStart = dateOf(state_.globalSDate);
+    }
+    request.settings = statistics::engineSettingsFrom(state_);
+    request.deltas = deltaCheck;
+    const core::StatisticParameters& p = state_.statisticParameters;
+    if (deltaCheck) {
+        request.start = dateOf(p.basePeriod.start);
+        request.end = dateOf(p.basePeriod.end);
+        const core::DatePeriod* periods[] = {&p.periodA, &p.periodB, &p.periodC};
+        for (size_t i = 0; i < 3; ++i) {
+            request.periodStart[i] = dateOf(periods[i]->start);
+            request.periodEnd[i] = dateOf(periods[i]->end);
+        }
+        request.deltaKind =
+            p.deltaKind == 2 ? statistics::AbsoluteDelta : statistics::PercentageDelta;
+    } else {
+        request.start = dateOf(startDateText.text);
+        request.end = dateOf(endDateText.text);
+    }
+    return request;
+}
+
+// A period that starts before the data's first row could not be found in the file.
+std::optional<std::string>
+AnalyseScreen::periodBeforeData(const statistics::AnalysisRequest& request) const {
+    const core::Date& first = request.source.recordStart;
+    auto before = [&](const char* what, const core::Date& start) -> std::optional<std::string> {
+        if (core::dayDifference(first, start) < 0) {
+            return std::string(what) + " starts on " + core::formatDate(start) +
+                   ", before the first day of the data (" + core::formatDate(first) + ").";
+        }
+        return std::nullopt;
+    };
+    if (!request.deltas) {
+        return before("The analysis period", request.start);
+    }
+    if (auto refusal = before("The base period", request.start)) {
+        return refusal;
+    }
+    const char* names[] = {"Period A", "Period B", "Period C"};
+    for (size_t i = 0; i < 3; ++i) {
+        if (auto refusal = before(names[i], request.periodStart[i])) {
+            return refusal;
+        }
+    }
+    return std::nullopt;
+}
+
+statistics::ReportLabels
+AnalyseScreen::buildLabels(const statistics::AnalysisRequest& request) const {
+    statistics::ReportLabels result;
+    result.fileName = core::bareFileName(inputFileText);
+    result.startDate = core::formatDate(request.start);
+    result.endDate = core::formatDate(request.end);
+    if (sourceButton == Source::Modelled && ensembleMeanCheck) {
+        result.members = "ALL";
+    } else {
+        result.members =
+            std::to_string(request.source.memberCount > 1 ? request.ensemble.member : 1);
+    }
+    for (int c = 1; c <= statistics::StatisticCount; ++c) {
+        if (request.settings.selected[c]) {
+            result.columns.push_back(c);
+            result.columnNames.push_back(state_.statisticTable[static_cast<size_t>(c - 1)].name);
+        }
+    }
+    for (int row = 1; row <= statistics::CalendarRowCount; ++row) {
+        result.rowNames[row] = state_.periodNames[row];
+    }
+    result.deltaKind = request.deltaKind;
+    for (size_t i = 0; i < 3; ++i) {
+        result.periodStart[i] = core::formatDate(request.periodStart[i]);
+        result.periodEnd[i] = core::formatDate(request.periodEnd[i]);
+    }
+    return result;
+}
+
+RunOutcome AnalyseScreen::run(Dialogs& dialogs, core::Progress& progress) {
+    results.reset();
+    const bool modelled = sourceButton == Source::Modelled;
+    std::optional<weathergen::SimulationDescription> description;
+    if (modelled && !isBlankText(inputFileText) && isOutFile(inputFileText)) {
+        description = readDescription(inputFileText);
+    }
+    if (auto refusal = runRefusal(description)) {
+        dialogs.error(*refusal);
+        return RunOutcome::Refused;
+    }
+    if (description) {
+        showDetails(*description);
+    }
+    const statistics::AnalysisRequest request = buildRequest(description);
+    if (auto refusal = periodBeforeData(request)) {
+        dialogs.error(*refusal);
+        return RunOutcome::Refused;
+    }
+    return guardedRun(
+        dialogs,
+        [&] {
+            statistics::AnalysisResults found = statistics::runAnalysis(request, progress);
+            labels = buildLabels(request);
+            statistics::writeResultsFile(saveFileText, statistics::resultsText(labels, found));
+            results = std::move(found);
+            dialogs.message("Summary Statistics",
+                            "Summary statistics saved to " + core::bareFileName(saveFileText) + ".",
+                            Icon::Information);
+            return RunOutcome::Done;
+        },
+        [&] { state_.stopRequested.clear(); });
+}
+
+} // namespace varo::screens

@@ -1,0 +1,87 @@
+#include "statistics/period_reader.hpp"
+
+#include "core/failure.hpp"
+#include "core/series_file.hpp"
+#include "statistics/statistics_engine.hpp"
+
+namespace varo::statistics {
+
+namespace {
+
+bool startsNumber(char c) {
+    return (c >= '0' && c <= '9') || c == '-' || c == '+' || c == '.';
+}
+
+// Member k's value of an OUT line; a field with no number in it is refused.
+double memberField(const std::string& line, int k, long lineNumber, const std::string& path) {
+    const size_t start = static_cast<size_t>(14 * (k - 1));
+    size_t first = start;
+    while (first < line.size() && first < start + 14 &&
+           (line[first] == ' ' || line[first] == '\t')) {
+        ++first;
+    }
+    if (first >= line.size() || first >= start + 14 || !startsNumber(line[first])) {
+        const std::string text = start < line.size() ? line.substr(start, 14) : std::string();
+        throw core::Failure(core::failure::TypeMismatch,
+                            "Line " + std::to_string(lineNumber) + " of '" + path +
+                                "' holds no number for ensemble member " + std::to_string(k) +
+                                " (characters " + std::to_string(start + 1) + " to " +
+                                std::to_string(start + 14) + ": '" + text + "').");
+    }
+    return core::zoneField(line, k);
+}
+
+} // namespace
+
+std::vector<PeriodDay> periodDays(const core::CalendarRule& calendar, const core::Date& start,
+                                  const core::Date& end) {
+    std::vector<PeriodDay> days;
+    core::RecordCalendar position(calendar, start);
+    while (position.notPast(end)) {
+        days.push_back({position.month(), position.year()});
+        position.stepDay();
+    }
+    return days;
+}
+
+PeriodValues readPeriod(const DataSource& source, const core::Date& start, const core::Date& end,
+                        core::Progress& progress) {
+    PeriodValues period;
+    period.memberCount = source.memberCount;
+    period.days = periodDays(source.calendar, start, end);
+    const size_t dayCount = period.days.size();
+    period.values.resize(dayCount * static_cast<size_t>(source.memberCount));
+
+    core::SeriesReader reader(source.path);
+    const bool byLine = source.memberCount > 1;
+    core::RecordCalendar position(source.calendar, source.recordStart);
+    core::skipToFitStart(
+        position, source.recordStart, start,
+        [&] {
+            if (byLine) {
+                reader.readLine();
+            } else {
+                reader.readNumber();
+            }
+        },
+        progress);
+
+    const auto total = static_cast<long>(dayCount);
+    for (size_t d = 0; d < dayCount; ++d) {
+        progress.report(static_cast<long>(d), total, caption::Reading);
+        progress.throwIfStopped();
+        if (!byLine) {
+            period.values[d] = reader.readNumber();
+            continue;
+        }
+        const long lineNumber = reader.lineNumber();
+        const std::string line = reader.readLine();
+        for (int k = 1; k <= source.memberCount; ++k) {
+            period.values[static_cast<size_t>(k - 1) * dayCount + d] =
+                memberField(line, k, lineNumber, source.path);
+        }
+    }
+    return period;
+}
+
+} // namespace varo::statistics
