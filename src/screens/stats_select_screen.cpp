@@ -200,7 +200,7 @@ bool StatsSelectScreen::checkEnd(Dialogs& dialogs, Period period) {
 
 void StatsSelectScreen::leave() {
     for (int i = 1; i <= BoxCount; ++i) {
-        state_.statisticTable.at(static_cast<size_t>(i - 1)).flag = check1[i] ? "Y" : "N";
+        state_.statisticTable.at(static_cast<size_t>(i - 1)).flag.assign(1, check1[i] ? 'Y' : 'N');
     }
     core::StatisticParameters& p = state_.statisticParameters;
     p.basePeriod = {dateText(baseStartText), dateText(baseEndText)};

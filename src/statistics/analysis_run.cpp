@@ -8,19 +8,6 @@ namespace varo::statistics {
 
 namespace {
 
-// The largest count over all members of blocks holding a real value, row by row.
-std::array<int, CalendarRowCount + 1> blockCounts(const PeriodValues& data, const RowLayout& layout,
-                                                  MemberRows& rows, double missingCode) {
-    std::array<int, CalendarRowCount + 1> counts{};
-    for (int m = 0; m < data.memberCount; ++m) {
-        layout.fill(data.member(m), rows);
-        for (int row = 1; row <= CalendarRowCount; ++row) {
-            counts[row] = std::max(counts[row], blocksWithData(rows[row], missingCode));
-        }
-    }
-    return counts;
-}
-
 std::vector<int> membersToCompute(int memberCount, const EnsembleChoice& ensemble) {
     if (memberCount == 1) {
         return {0};
@@ -45,10 +32,24 @@ PeriodResults analysePeriod(const DataSource& source, const core::Date& start,
                             const EnsembleChoice& ensemble, core::Progress& progress) {
     progress.report(0, 100, caption::AnalysingScenario);
     const std::vector<int> members = membersToCompute(source.memberCount, ensemble);
-    const PeriodValues data = readPeriod(source, start, end, progress);
+    PeriodValues data = readPeriod(source, start, end, progress);
     const RowLayout layout(data.days);
-    MemberRows rows;
-    const auto counts = blockCounts(data, layout, rows, settings.missingCode);
+
+    // The lists of the members to compute stay for all the passes; every member of the file
+    // counts towards the largest number of blocks holding data.
+    std::vector<MemberRows> lists(members.size());
+    std::array<int, CalendarRowCount + 1> counts{};
+    MemberRows scratch;
+    size_t next = 0;
+    for (int m = 0; m < data.memberCount; ++m) {
+        const bool computed = next < members.size() && members[next] == m;
+        MemberRows& rows = computed ? lists[next++] : scratch;
+        layout.fill(data.member(m), settings.missingCode, settings.thresh, rows);
+        for (int row = 1; row <= CalendarRowCount; ++row) {
+            counts[row] = std::max(counts[row], blocksWithData(rows.kinds[row]));
+        }
+    }
+    data = PeriodValues{};
 
     std::vector<ResultTable> tables(members.size(), filledTable(0.0));
     const std::vector<Pass> passes = passesFor(settings);
@@ -56,15 +57,14 @@ PeriodResults analysePeriod(const DataSource& source, const core::Date& start,
     long step = 0;
     for (const Pass pass : passes) {
         for (size_t i = 0; i < members.size(); ++i) {
-            layout.fill(data.member(members[i]), rows);
-            for (const int row : passRowOrder(pass)) {
-                progress.report(step++, totalSteps, passCaption(pass));
-                progress.throwIfStopped();
-                runPass(pass, rows, row, settings, tables[i]);
+            runPass(pass, lists[i], settings, tables[i], [&](int) {
+                progress.report(step, totalSteps, passCaption(pass));
                 if (pass == Pass::NDayTotal) {
                     progress.report(step, totalSteps, caption::MaxNDayTotal);
                 }
-            }
+                ++step;
+                progress.throwIfStopped();
+            });
         }
     }
     for (ResultTable& table : tables) {

@@ -39,27 +39,52 @@ RowLayout::RowLayout(const std::vector<PeriodDay>& days) {
     }
 }
 
-void RowLayout::fill(const double* memberValues, MemberRows& rows) const {
+void RowLayout::fill(const double* memberValues, double missingCode, float thresh,
+                     MemberRows& rows) const {
     for (int row = 1; row <= CalendarRowCount; ++row) {
         const auto& layout = rows_[row];
-        auto& list = rows[row];
-        list.resize(layout.size());
-        for (size_t i = 0; i < layout.size(); ++i) {
-            const std::int32_t entry = layout[i];
-            list[i] =
-                entry >= 0 ? memberValues[entry] : (entry == BlockEndMark ? BlockEnd : RowEnd);
+        auto& values = rows.values[row];
+        auto& kinds = rows.kinds[row];
+        // Appended rather than resized: every entry is written, none needs clearing first.
+        values.clear();
+        kinds.clear();
+        values.reserve(layout.size());
+        kinds.reserve(layout.size());
+        for (const std::int32_t entry : layout) {
+            if (entry >= 0) {
+                const double value = memberValues[entry];
+                values.push_back(value);
+                kinds.push_back(kindOf(value, missingCode, thresh));
+            } else if (entry == BlockEndMark) {
+                values.push_back(BlockEnd);
+                kinds.push_back(Kind::BlockEnd);
+            } else {
+                values.push_back(RowEnd);
+                kinds.push_back(Kind::RowEnd);
+            }
         }
     }
 }
 
-int blocksWithData(const std::vector<double>& list, double missingCode) {
+void classifyEntries(MemberRows& rows, double missingCode, float thresh) {
+    for (int row = 1; row <= CalendarRowCount; ++row) {
+        const auto& values = rows.values[row];
+        auto& kinds = rows.kinds[row];
+        kinds.resize(values.size());
+        for (size_t i = 0; i < values.size(); ++i) {
+            kinds[i] = kindOf(values[i], missingCode, thresh);
+        }
+    }
+}
+
+int blocksWithData(const std::vector<Kind>& kinds) {
     int blocks = 0;
     bool holdsData = false;
-    for (const double value : list) {
-        if (value == BlockEnd) {
+    for (const Kind kind : kinds) {
+        if (kind == Kind::BlockEnd) {
             blocks += holdsData ? 1 : 0;
             holdsData = false;
-        } else if (isRealValue(value, missingCode)) {
+        } else if (isReal(kind)) {
             holdsData = true;
         }
     }

@@ -29,17 +29,39 @@ struct PeriodDay {
 // The calendar row of a month's season: 13 Winter (December to February) to 16 Autumn.
 int seasonRow(int month);
 
-// A value that is neither the missing code nor a sentinel.
-inline bool isRealValue(double value, double missingCode) {
-    return value != missingCode && value != BlockEnd && value != RowEnd;
+// What an entry of a list is: the missing code, a sentinel (a datum equal to one counts as
+// one), or a real value at or below the wet-day threshold (Dry) or above it (Wet), the
+// value rounded to single precision for the comparison.
+enum class Kind : std::uint8_t { Missing, BlockEnd, RowEnd, Dry, Wet };
+
+inline bool isReal(Kind kind) {
+    return kind >= Kind::Dry;
 }
-inline bool isSentinel(double value) {
-    return value == BlockEnd || value == RowEnd;
+inline bool isSentinel(Kind kind) {
+    return kind == Kind::BlockEnd || kind == Kind::RowEnd;
+}
+inline Kind kindOf(double value, double missingCode, float thresh) {
+    if (value == missingCode) {
+        return Kind::Missing;
+    }
+    if (value == BlockEnd) {
+        return Kind::BlockEnd;
+    }
+    if (value == RowEnd) {
+        return Kind::RowEnd;
+    }
+    return static_cast<float>(value) > thresh ? Kind::Wet : Kind::Dry;
 }
 
-// One member's 17 lists, indexed 1 to 17; a list's size is its RowLength, the RowEnd
-// included.
-using MemberRows = std::array<std::vector<double>, CalendarRowCount + 1>;
+// One member's 17 lists, indexed 1 to 17, with the kind of each entry; a list's size is
+// its RowLength, the RowEnd included.
+struct MemberRows {
+    std::array<std::vector<double>, CalendarRowCount + 1> values;
+    std::array<std::vector<Kind>, CalendarRowCount + 1> kinds;
+};
+
+// Sets the kinds of lists whose values were written by hand.
+void classifyEntries(MemberRows& rows, double missingCode, float thresh);
 
 class RowLayout {
 public:
@@ -48,8 +70,9 @@ public:
     // next, and every open block after the last day; then closes all 17 lists.
     explicit RowLayout(const std::vector<PeriodDay>& days);
 
-    // Fills the member's lists from its values, one a day in the order of the days.
-    void fill(const double* memberValues, MemberRows& rows) const;
+    // Fills the member's lists and their kinds from its values, one a day in the order of
+    // the days.
+    void fill(const double* memberValues, double missingCode, float thresh, MemberRows& rows) const;
 
     // Entries of a row: a day's index, or one of the marks below.
     static constexpr std::int32_t BlockEndMark = -1;
@@ -61,6 +84,6 @@ private:
 };
 
 // The blocks of a list that hold at least one real value.
-int blocksWithData(const std::vector<double>& list, double missingCode);
+int blocksWithData(const std::vector<Kind>& kinds);
 
 } // namespace varo::statistics

@@ -2,35 +2,28 @@
 
 #include <algorithm>
 #include <cmath>
+#include <memory>
+#include <span>
 
 namespace varo::statistics {
 
 namespace {
 
-// A wet day: the value, rounded to single precision, is above the threshold.
-bool isEvent(double value, float thresh) {
-    return static_cast<float>(value) > thresh;
-}
+using Values = std::vector<double>;
+using Kinds = std::vector<Kind>;
 
-// Which entries the counting statistics take.
+// Which entries the counting statistics take: every real value, or with the wet filter
+// only the wet ones.
 struct Counting {
     bool wetFilter;
-    float thresh;
-    double missingCode;
 
-    explicit Counting(const EngineSettings& settings)
-        : wetFilter(wetFilterOn(settings.selected)), thresh(settings.thresh),
-          missingCode(settings.missingCode) {}
+    explicit Counting(const EngineSettings& settings) : wetFilter(wetFilterOn(settings.selected)) {}
 
-    bool real(double value) const { return isRealValue(value, missingCode); }
-    bool counted(double value) const {
-        return real(value) && (!wetFilter || isEvent(value, thresh));
-    }
+    bool counted(Kind kind) const { return wetFilter ? kind == Kind::Wet : isReal(kind); }
 };
 
-bool rowActive(const std::vector<double>& list, double missingCode) {
-    return std::any_of(list.begin(), list.end(),
-                       [missingCode](double value) { return isRealValue(value, missingCode); });
+bool rowActive(const Kinds& kinds) {
+    return std::any_of(kinds.begin(), kinds.end(), [](Kind kind) { return isReal(kind); });
 }
 
 void setColumns(ResultTable& table, int row, std::initializer_list<int> columns, double value) {
@@ -40,8 +33,8 @@ void setColumns(ResultTable& table, int row, std::initializer_list<int> columns,
 }
 
 // Largest and smallest range of counted values within a block, empty blocks skipped.
-void blockRanges(const std::vector<double>& list, const Counting& counting, double& maxRange,
-                 double& minRange) {
+void blockRanges(const Values& values, const Kinds& kinds, const Counting& counting,
+                 double missingCode, double& maxRange, double& minRange) {
     constexpr double BlockMaxStart = -99999.0;
     constexpr double BlockMinStart = 99999.0;
     constexpr double EmptyBlockRange = BlockMaxStart - BlockMinStart;
@@ -51,11 +44,11 @@ void blockRanges(const std::vector<double>& list, const Counting& counting, doub
     double blockMin = BlockMinStart;
     maxRange = MaxRangeStart;
     minRange = MinRangeStart;
-    for (const double value : list) {
-        if (counting.counted(value)) {
-            blockMax = std::max(blockMax, value);
-            blockMin = std::min(blockMin, value);
-        } else if (value == BlockEnd) {
+    for (size_t i = 0; i < values.size(); ++i) {
+        if (counting.counted(kinds[i])) {
+            blockMax = std::max(blockMax, values[i]);
+            blockMin = std::min(blockMin, values[i]);
+        } else if (kinds[i] == Kind::BlockEnd) {
             const double range = blockMax - blockMin;
             maxRange = std::max(maxRange, range);
             if (range < minRange && range != EmptyBlockRange) {
@@ -66,19 +59,20 @@ void blockRanges(const std::vector<double>& list, const Counting& counting, doub
         }
     }
     if (maxRange == MaxRangeStart) {
-        maxRange = counting.missingCode;
+        maxRange = missingCode;
     }
     if (minRange == MinRangeStart) {
-        minRange = counting.missingCode;
+        minRange = missingCode;
     }
 }
 
-void firstPass(const std::vector<double>& list, int row, const EngineSettings& settings,
+void firstPass(const Values& values, const Kinds& kinds, int row, const EngineSettings& settings,
                ResultTable& table) {
     const Counting counting(settings);
+    const double missing = settings.missingCode;
     auto& cells = table[row];
-    if (!rowActive(list, settings.missingCode)) {
-        cells.fill(settings.missingCode);
+    if (!rowActive(kinds)) {
+        cells.fill(missing);
         return;
     }
     constexpr double MaximumStart = -999999.0;
@@ -90,23 +84,25 @@ void firstPass(const std::vector<double>& list, int row, const EngineSettings& s
     double peaksOver = 0.0;
     double peaksBelow = 0.0;
     double dry = 0.0;
-    for (const double value : list) {
-        if (!counting.real(value)) {
-            continue;
+    // The peak counts are the only part of the pass worth skipping when not wanted.
+    const bool peaks = anySelected(settings.selected, {column::Pot, column::Pbt});
+    // Wet and dry days alternate at random, so the loop selects values instead of branching
+    // on them: an entry that is not counted adds 0 and offers the starting extremes.
+    for (size_t i = 0; i < values.size(); ++i) {
+        const Kind kind = kinds[i];
+        const bool counted = counting.counted(kind);
+        const double value = values[i];
+        dry += static_cast<double>(isReal(kind) && !counted);
+        sum += counted ? value : 0.0;
+        count += static_cast<double>(counted);
+        maximum = std::max(maximum, counted ? value : MaximumStart);
+        minimum = std::min(minimum, counted ? value : MinimumStart);
+        if (peaks) {
+            const auto single = static_cast<float>(value);
+            peaksOver += static_cast<double>(counted && single >= settings.peaksOverThreshold);
+            peaksBelow += static_cast<double>(counted && single <= settings.peaksBelowThreshold);
         }
-        if (counting.wetFilter && !isEvent(value, settings.thresh)) {
-            dry += 1.0;
-            continue;
-        }
-        sum += value;
-        count += 1.0;
-        maximum = std::max(maximum, value);
-        minimum = std::min(minimum, value);
-        const auto single = static_cast<float>(value);
-        peaksOver += single >= settings.peaksOverThreshold ? 1.0 : 0.0;
-        peaksBelow += single <= settings.peaksBelowThreshold ? 1.0 : 0.0;
     }
-    const double missing = settings.missingCode;
     cells[column::Mean] = count > 0.0 ? sum / count : missing;
     cells[column::Maximum] = maximum == MaximumStart ? missing : maximum;
     cells[column::Minimum] = minimum == MinimumStart ? missing : minimum;
@@ -116,14 +112,15 @@ void firstPass(const std::vector<double>& list, int row, const EngineSettings& s
     cells[column::Count] = count;
     cells[column::WetDaysPercent] = count + dry > 0.0 ? count / (count + dry) : 0.0;
     if (needsRanges(settings.selected)) {
-        blockRanges(list, counting, cells[column::MaxRange], cells[column::MinRange]);
+        blockRanges(values, kinds, counting, missing, cells[column::MaxRange],
+                    cells[column::MinRange]);
     }
 }
 
-void momentsPass(const std::vector<double>& list, int row, const EngineSettings& settings,
+void momentsPass(const Values& values, const Kinds& kinds, int row, const EngineSettings& settings,
                  ResultTable& table) {
     auto& cells = table[row];
-    if (!rowActive(list, settings.missingCode)) {
+    if (!rowActive(kinds)) {
         setColumns(table, row, {column::Variance, column::Skewness}, settings.missingCode);
         return;
     }
@@ -132,9 +129,9 @@ void momentsPass(const std::vector<double>& list, int row, const EngineSettings&
     double squares = 0.0;
     double cubes = 0.0;
     double n = 0.0;
-    for (const double value : list) {
-        if (counting.counted(value)) {
-            const double deviation = value - mean;
+    for (size_t i = 0; i < values.size(); ++i) {
+        if (counting.counted(kinds[i])) {
+            const double deviation = values[i] - mean;
             squares += deviation * deviation;
             cubes += deviation * deviation * deviation;
             n += 1.0;
@@ -157,26 +154,26 @@ void momentsPass(const std::vector<double>& list, int row, const EngineSettings&
 // The largest total of N consecutive entries, over windows that hold no sentinel (so
 // never crossing a block); missing values add nothing. Starts at 0. Each run of entries
 // between sentinels is slid through once, its first window summed afresh.
-double maximumNDayTotal(const std::vector<double>& list, size_t span, double missingCode) {
+double maximumNDayTotal(const Values& values, const Kinds& kinds, size_t span) {
     double best = 0.0;
-    if (span == 0 || list.size() < span) {
+    if (span == 0 || values.size() < span) {
         return best;
     }
-    auto amount = [missingCode](double value) { return value == missingCode ? 0.0 : value; };
+    auto amount = [&](size_t i) { return kinds[i] == Kind::Missing ? 0.0 : values[i]; };
     size_t segmentStart = 0;
-    for (size_t i = 0; i <= list.size(); ++i) {
-        if (i < list.size() && !isSentinel(list[i])) {
+    for (size_t i = 0; i <= values.size(); ++i) {
+        if (i < values.size() && !isSentinel(kinds[i])) {
             continue;
         }
         // Entries segmentStart .. i-1 hold no sentinel.
         if (i - segmentStart >= span) {
             double total = 0.0;
             for (size_t j = segmentStart; j < segmentStart + span; ++j) {
-                total += amount(list[j]);
+                total += amount(j);
             }
             best = std::max(best, total);
             for (size_t j = segmentStart + span; j < i; ++j) {
-                total += amount(list[j]) - amount(list[j - span]);
+                total += amount(j) - amount(j - span);
                 best = std::max(best, total);
             }
         }
@@ -185,36 +182,31 @@ double maximumNDayTotal(const std::vector<double>& list, size_t span, double mis
     return best;
 }
 
-void nDayTotalPass(const std::vector<double>& list, int row, const EngineSettings& settings,
-                   ResultTable& table) {
-    if (!rowActive(list, settings.missingCode)) {
-        table[row][column::MaxNTot] = settings.missingCode;
-        return;
-    }
-    table[row][column::MaxNTot] = maximumNDayTotal(
-        list, static_cast<size_t>(std::max(settings.nDayTotal, 0)), settings.missingCode);
+void nDayTotalPass(const Values& values, const Kinds& kinds, int row,
+                   const EngineSettings& settings, ResultTable& table) {
+    table[row][column::MaxNTot] =
+        rowActive(kinds)
+            ? maximumNDayTotal(values, kinds, static_cast<size_t>(std::max(settings.nDayTotal, 0)))
+            : settings.missingCode;
 }
 
 // Lag-1 correlation over the pairs of neighbouring real values.
-void autocorrelationPass(const std::vector<double>& list, int row, const EngineSettings& settings,
-                         ResultTable& table) {
-    const double missing = settings.missingCode;
+void autocorrelationPass(const Values& values, const Kinds& kinds, int row,
+                         const EngineSettings& settings, ResultTable& table) {
     double& result = table[row][column::Acf];
-    result = missing;
-    if (!rowActive(list, missing) || list.size() < 2) {
+    result = settings.missingCode;
+    if (!rowActive(kinds) || values.size() < 2) {
         return;
     }
-    auto isPair = [&](size_t i) {
-        return isRealValue(list[i], missing) && isRealValue(list[i + 1], missing);
-    };
+    auto isPair = [&](size_t i) { return isReal(kinds[i]) && isReal(kinds[i + 1]); };
     double pairs = 0.0;
     double sumFirst = 0.0;
     double sumSecond = 0.0;
-    for (size_t i = 0; i + 1 < list.size(); ++i) {
+    for (size_t i = 0; i + 1 < values.size(); ++i) {
         if (isPair(i)) {
             pairs += 1.0;
-            sumFirst += list[i];
-            sumSecond += list[i + 1];
+            sumFirst += values[i];
+            sumSecond += values[i + 1];
         }
     }
     if (pairs < 3.0) {
@@ -225,10 +217,10 @@ void autocorrelationPass(const std::vector<double>& list, int row, const EngineS
     double cross = 0.0;
     double squaresFirst = 0.0;
     double squaresSecond = 0.0;
-    for (size_t i = 0; i + 1 < list.size(); ++i) {
+    for (size_t i = 0; i + 1 < values.size(); ++i) {
         if (isPair(i)) {
-            const double a = list[i] - meanFirst;
-            const double b = list[i + 1] - meanSecond;
+            const double a = values[i] - meanFirst;
+            const double b = values[i + 1] - meanSecond;
             cross += a * b;
             squaresFirst += a * a;
             squaresSecond += b * b;
@@ -245,7 +237,7 @@ struct SpellSummary {
     double persistence = 0.0;
 };
 
-SpellSummary summariseSpells(const std::vector<int>& lengths) {
+SpellSummary summariseSpells(std::span<const int> lengths) {
     SpellSummary summary;
     if (lengths.empty()) {
         return summary;
@@ -268,13 +260,14 @@ SpellSummary summariseSpells(const std::vector<int>& lengths) {
     return summary;
 }
 
-double medianSpell(std::vector<int> lengths, double missingCode) {
-    if (lengths.empty()) {
+double medianSpell(std::span<const int> spells, double missingCode) {
+    if (spells.empty()) {
         return missingCode;
     }
-    if (lengths.size() == 1) {
-        return lengths.front();
+    if (spells.size() == 1) {
+        return spells.front();
     }
+    std::vector<int> lengths(spells.begin(), spells.end());
     std::sort(lengths.begin(), lengths.end());
     const size_t k = lengths.size();
     if (k % 2 == 0) {
@@ -288,47 +281,40 @@ constexpr std::initializer_list<int> SpellColumns = {
     column::SdWetSpell, column::SdDrySpell, column::WetPersis,   column::DryPersis,
     column::PersisCorr, column::MedWet,     column::MedDry};
 
-void spellsPass(const std::vector<double>& list, int row, const EngineSettings& settings,
-                ResultTable& table) {
+// Wet and dry spells: runs of wet or of dry days, each closed by a missing value, a
+// sentinel or a change of class. A missing value or a sentinel leaves the class open
+// ("?") until the next real value.
+void spellsPass(const Kinds& kinds, int row, const EngineSettings& settings, ResultTable& table) {
     const double missing = settings.missingCode;
-    if (!rowActive(list, missing) || list.size() <= 2) {
+    if (!rowActive(kinds) || kinds.size() <= 2) {
         setColumns(table, row, SpellColumns, missing);
         return;
     }
-    enum class SpellClass { Wet, Dry, Unknown };
-    std::vector<int> wet;
-    std::vector<int> dry;
-    auto classOf = [&](double value) {
-        if (!isRealValue(value, missing)) {
-            return SpellClass::Unknown;
-        }
-        return isEvent(value, settings.thresh) ? SpellClass::Wet : SpellClass::Dry;
-    };
-    auto close = [&](SpellClass current, int run) {
-        if (current == SpellClass::Wet) {
-            wet.push_back(run);
-        } else if (current == SpellClass::Dry) {
-            dry.push_back(run);
-        }
-    };
-    SpellClass current = classOf(list[0]);
+    // Runs are closed without branching on the random change of class: every step writes
+    // the run behind both lists and moves a list's end on only when its spell closes.
+    const std::unique_ptr<int[]> wet(new int[kinds.size()]);
+    const std::unique_ptr<int[]> dry(new int[kinds.size()]);
+    size_t wetCount = 0;
+    size_t dryCount = 0;
+    // Missing stands for the open class ("?") here.
+    auto classOf = [](Kind kind) { return isReal(kind) ? kind : Kind::Missing; };
+    Kind current = classOf(kinds[0]);
     int run = 1;
-    for (size_t i = 1; i < list.size(); ++i) {
-        const SpellClass next = classOf(list[i]);
-        if (next == SpellClass::Unknown) {
-            close(current, run);
-        } else if (next == current) {
-            ++run;
-            continue;
-        } else {
-            close(current, run);
-            run = 1;
-        }
+    for (size_t i = 1; i < kinds.size(); ++i) {
+        const Kind next = classOf(kinds[i]);
+        const bool grows = next == current && next != Kind::Missing;
+        wet[wetCount] = run;
+        dry[dryCount] = run;
+        wetCount += static_cast<size_t>(!grows && current == Kind::Wet);
+        dryCount += static_cast<size_t>(!grows && current == Kind::Dry);
+        run = grows ? run + 1 : 1;
         current = next;
     }
+    const std::span<const int> wetSpells(wet.get(), wetCount);
+    const std::span<const int> drySpells(dry.get(), dryCount);
     auto& cells = table[row];
-    const SpellSummary wetSummary = summariseSpells(wet);
-    const SpellSummary drySummary = summariseSpells(dry);
+    const SpellSummary wetSummary = summariseSpells(wetSpells);
+    const SpellSummary drySummary = summariseSpells(drySpells);
     cells[column::WetSpell] = wetSummary.mean;
     cells[column::DrySpell] = drySummary.mean;
     cells[column::MaxWetSpell] = wetSummary.longest;
@@ -341,37 +327,72 @@ void spellsPass(const std::vector<double>& list, int row, const EngineSettings& 
                                     ? wetSummary.persistence - (1.0 - drySummary.persistence)
                                     : missing;
     if (settings.selected[column::MedWet]) {
-        cells[column::MedWet] = medianSpell(wet, missing);
+        cells[column::MedWet] = medianSpell(wetSpells, missing);
     }
     if (settings.selected[column::MedDry]) {
-        cells[column::MedDry] = medianSpell(dry, missing);
+        cells[column::MedDry] = medianSpell(drySpells, missing);
     }
 }
 
-// Moves the counted values to the front of the list and cuts it there.
-void keepCountedValues(std::vector<double>& list, const Counting& counting) {
-    const auto end = std::remove_if(list.begin(), list.end(),
-                                    [&](double value) { return !counting.counted(value); });
-    list.erase(end, list.end());
+// The counted values of a list, in list order.
+void keepCountedValues(Values& values, const Kinds& kinds, const Counting& counting) {
+    size_t kept = 0;
+    for (size_t i = 0; i < values.size(); ++i) {
+        values[kept] = values[i];
+        kept += static_cast<size_t>(counting.counted(kinds[i]));
+    }
+    values.resize(kept);
 }
 
-void medianPass(MemberRows& rows, int row, const EngineSettings& settings, ResultTable& table) {
+// The months of a season row, 13 Winter to 16 Autumn.
+constexpr int SeasonMonths[4][3] = {{12, 1, 2}, {3, 4, 5}, {6, 7, 8}, {9, 10, 11}};
+
+// Leaves every list holding its counted values in ascending order and notes which rows
+// were active before. Each month's list is sorted by Shell's method; as a season's days
+// are those of its three months and the year's those of its four seasons, merging the
+// sorted months gives the seasons and merging the seasons the year, the same ascending
+// lists that sorting each row would give.
+void sortCountedValues(MemberRows& rows, const Counting& counting,
+                       std::array<bool, CalendarRowCount + 1>& active) {
+    for (int row = 1; row <= CalendarRowCount; ++row) {
+        active[row] = rowActive(rows.kinds[row]);
+    }
+    for (int month = 1; month <= 12; ++month) {
+        Values& values = rows.values[month];
+        keepCountedValues(values, rows.kinds[month], counting);
+        shellSort(values.data(), values.size());
+    }
+    auto mergeInto = [](Values& target, const Values& a, const Values& b) {
+        target.resize(a.size() + b.size());
+        std::merge(a.begin(), a.end(), b.begin(), b.end(), target.begin());
+    };
+    Values pair;
+    for (int season = 0; season < 4; ++season) {
+        const auto& months = SeasonMonths[season];
+        mergeInto(pair, rows.values[months[0]], rows.values[months[1]]);
+        mergeInto(rows.values[13 + season], pair, rows.values[months[2]]);
+    }
+    Values summerAutumn;
+    mergeInto(pair, rows.values[13], rows.values[14]);
+    mergeInto(summerAutumn, rows.values[15], rows.values[16]);
+    mergeInto(rows.values[AnnualRow], pair, summerAutumn);
+    for (auto& kinds : rows.kinds) {
+        kinds.clear(); // they no longer describe the lists
+    }
+}
+
+// Median, percentile, IQR and POP of one row whose list holds its counted values sorted.
+void medianRow(const Values& list, bool active, const Values& year, int row,
+               const EngineSettings& settings, bool wetFilter, ResultTable& table) {
     const double missing = settings.missingCode;
     auto& cells = table[row];
-    std::vector<double>& list = rows[row];
-    if (!rowActive(list, missing)) {
+    if (!active) {
         setColumns(table, row,
                    {column::Percentile, column::Median, column::Iqr, column::Pop, column::PopTot},
                    missing);
-        list.clear();
         return;
     }
-    const Counting counting(settings);
-    keepCountedValues(list, counting);
     const size_t n = list.size();
-    if (n > 1) {
-        shellSort(list.data(), n);
-    }
     if (n == 0) {
         setColumns(table, row, {column::Percentile, column::Median, column::Iqr}, missing);
     } else if (n == 1) {
@@ -384,11 +405,10 @@ void medianPass(MemberRows& rows, int row, const EngineSettings& settings, Resul
         cells[column::Iqr] =
             percentileOfSorted(list.data(), n, 75.0) - percentileOfSorted(list.data(), n, 25.0);
     }
-    if (n <= 1 || !counting.wetFilter) {
+    if (n <= 1 || !wetFilter) {
         setColumns(table, row, {column::Pop, column::PopTot}, missing);
         return;
     }
-    const std::vector<double>& year = rows[AnnualRow];
     const double level = percentileOfSorted(year.data(), year.size(), settings.potPercentile);
     double above = 0.0;
     double aboveTotal = 0.0;
@@ -402,6 +422,18 @@ void medianPass(MemberRows& rows, int row, const EngineSettings& settings, Resul
     }
     cells[column::Pop] = above;
     cells[column::PopTot] = total > 0.0 ? aboveTotal / total : missing;
+}
+
+void medianPass(MemberRows& rows, const EngineSettings& settings, ResultTable& table,
+                const RowStep& beforeRow) {
+    const Counting counting(settings);
+    std::array<bool, CalendarRowCount + 1> active{};
+    sortCountedValues(rows, counting, active);
+    for (int row = CalendarRowCount; row >= 1; --row) {
+        beforeRow(row);
+        medianRow(rows.values[row], active[row], rows.values[AnnualRow], row, settings,
+                  counting.wetFilter, table);
+    }
 }
 
 } // namespace
@@ -461,47 +493,47 @@ std::string_view passCaption(Pass pass) {
     return caption::Statistics;
 }
 
-std::array<int, CalendarRowCount> passRowOrder(Pass pass) {
-    std::array<int, CalendarRowCount> order{};
-    for (int i = 0; i < CalendarRowCount; ++i) {
-        order[i] = pass == Pass::MedianPercentiles ? CalendarRowCount - i : i + 1;
+void runPass(Pass pass, MemberRows& rows, const EngineSettings& settings, ResultTable& table,
+             const RowStep& beforeRow) {
+    if (pass == Pass::MedianPercentiles) {
+        medianPass(rows, settings, table, beforeRow);
+        return;
     }
-    return order;
-}
-
-void runPass(Pass pass, MemberRows& rows, int row, const EngineSettings& settings,
-             ResultTable& table) {
-    switch (pass) {
-    case Pass::First:
-        firstPass(rows[row], row, settings, table);
-        break;
-    case Pass::Moments:
-        momentsPass(rows[row], row, settings, table);
-        break;
-    case Pass::NDayTotal:
-        nDayTotalPass(rows[row], row, settings, table);
-        break;
-    case Pass::Autocorrelation:
-        autocorrelationPass(rows[row], row, settings, table);
-        break;
-    case Pass::Spells:
-        spellsPass(rows[row], row, settings, table);
-        break;
-    case Pass::MedianPercentiles:
-        medianPass(rows, row, settings, table);
-        break;
+    for (int row = 1; row <= CalendarRowCount; ++row) {
+        beforeRow(row);
+        const Values& values = rows.values[row];
+        const Kinds& kinds = rows.kinds[row];
+        switch (pass) {
+        case Pass::First:
+            firstPass(values, kinds, row, settings, table);
+            break;
+        case Pass::Moments:
+            momentsPass(values, kinds, row, settings, table);
+            break;
+        case Pass::NDayTotal:
+            nDayTotalPass(values, kinds, row, settings, table);
+            break;
+        case Pass::Autocorrelation:
+            autocorrelationPass(values, kinds, row, settings, table);
+            break;
+        case Pass::Spells:
+            spellsPass(kinds, row, settings, table);
+            break;
+        case Pass::MedianPercentiles:
+            break;
+        }
     }
 }
 
 ResultTable memberStatistics(MemberRows& rows, const EngineSettings& settings,
                              core::Progress& progress) {
+    classifyEntries(rows, settings.missingCode, settings.thresh);
     ResultTable table = filledTable(0.0);
     for (const Pass pass : passesFor(settings)) {
-        for (const int row : passRowOrder(pass)) {
+        runPass(pass, rows, settings, table, [&](int row) {
             progress.report(row, CalendarRowCount, passCaption(pass));
             progress.throwIfStopped();
-            runPass(pass, rows, row, settings, table);
-        }
+        });
     }
     return table;
 }

@@ -24,6 +24,7 @@
 #include "statistics/statistic_columns.hpp"
 
 #include <array>
+#include <functional>
 #include <string_view>
 #include <vector>
 
@@ -71,17 +72,19 @@ enum class Pass { First, Moments, NDayTotal, Autocorrelation, Spells, MedianPerc
 std::vector<Pass> passesFor(const EngineSettings& settings);
 std::string_view passCaption(Pass pass);
 
-// The rows of a pass in the order it takes them: 17 down to 1 for the median pass, which
-// needs the year's list sorted first; 1 to 17 for the others.
-std::array<int, CalendarRowCount> passRowOrder(Pass pass);
+// Called before each row of a pass with the row's number: reports progress and throws
+// `core::Cancelled` on a stop request.
+using RowStep = std::function<void(int row)>;
 
-// Runs one pass over one row. `rows` is the member's lists; the median pass rewrites
-// them, so it runs last and in its row order.
-void runPass(Pass pass, MemberRows& rows, int row, const EngineSettings& settings,
-             ResultTable& table);
+// Runs one pass over the 17 rows of one member's lists (their kinds set), filling the
+// pass's columns of `table`. The median pass takes the rows from 17 down to 1, so that the year's
+// values stand sorted before a month's or a season's, and leaves each list holding its counted
+// values in ascending order: it runs last.
+void runPass(Pass pass, MemberRows& rows, const EngineSettings& settings, ResultTable& table,
+             const RowStep& beforeRow);
 
-// Runs every needed pass over the member's lists, reporting each row under the pass's
-// caption and throwing `core::Cancelled` on a stop request.
+// Sets the kinds of the member's lists and runs every needed pass over them, reporting
+// each row under the pass's caption and throwing `core::Cancelled` on a stop request.
 ResultTable memberStatistics(MemberRows& rows, const EngineSettings& settings,
                              core::Progress& progress);
 

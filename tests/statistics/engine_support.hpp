@@ -22,10 +22,10 @@ inline statistics::MemberRows
 rowsWith(std::initializer_list<std::pair<int, std::vector<double>>> lists) {
     statistics::MemberRows rows;
     for (int r = 1; r <= statistics::CalendarRowCount; ++r) {
-        rows[r] = {RE};
+        rows.values[r] = {RE};
     }
     for (const auto& [row, list] : lists) {
-        rows[row] = list;
+        rows.values[row] = list;
     }
     return rows;
 }

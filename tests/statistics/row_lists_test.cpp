@@ -46,15 +46,34 @@ TEST(RowLayout, FillPutsTheMembersValuesAndTheSentinels) {
     const RowLayout layout({{3, 1961}, {3, 1961}, {4, 1961}});
     const double values[] = {1.5, -999.0, 32766.0};
     MemberRows rows;
-    layout.fill(values, rows);
-    EXPECT_EQ(rows[3], (std::vector<double>{1.5, -999.0, BE, RE}));
-    EXPECT_EQ(rows[4], (std::vector<double>{32766.0, BE, RE}));
-    EXPECT_EQ(rows[14], (std::vector<double>{1.5, -999.0, 32766.0, BE, RE}));
+    layout.fill(values, Missing, 1.5f, rows);
+    EXPECT_EQ(rows.values[3], (std::vector<double>{1.5, -999.0, BE, RE}));
+    EXPECT_EQ(rows.values[4], (std::vector<double>{32766.0, BE, RE}));
+    EXPECT_EQ(rows.values[14], (std::vector<double>{1.5, -999.0, 32766.0, BE, RE}));
+    // 1.5 is not above a threshold of 1.5; the datum 32766 is a block end.
+    EXPECT_EQ(rows.kinds[14], (std::vector<Kind>{Kind::Dry, Kind::Missing, Kind::BlockEnd,
+                                                 Kind::BlockEnd, Kind::RowEnd}));
+}
+
+TEST(RowLayout, KindsCompareWithTheThresholdInSinglePrecision) {
+    // 0.1000000015 lies above 0.1f as a double but rounds to 0.1f.
+    EXPECT_EQ(kindOf(0.1000000015, Missing, 0.1f), Kind::Dry);
+    EXPECT_EQ(kindOf(0.2, Missing, 0.1f), Kind::Wet);
+    EXPECT_EQ(kindOf(-999.0, Missing, 0.1f), Kind::Missing);
+    EXPECT_EQ(kindOf(-999.0001, Missing, -1000.0f), Kind::Wet);
+    EXPECT_EQ(kindOf(32767.0, Missing, 0.0f), Kind::RowEnd);
 }
 
 TEST(RowLayout, BlocksWithDataCountOnlyBlocksHoldingARealValue) {
-    EXPECT_EQ(blocksWithData({Missing, BE, 5.0, BE, RE}, Missing), 1);
-    EXPECT_EQ(blocksWithData({RE}, Missing), 0);
+    auto blocks = [](std::vector<double> values) {
+        MemberRows rows;
+        rows.values[1] = std::move(values);
+        classifyEntries(rows, Missing, 0.0f);
+        return blocksWithData(rows.kinds[1]);
+    };
+    EXPECT_EQ(blocks({Missing, BE, 5.0, BE, RE}), 1);
+    EXPECT_EQ(blocks({RE}), 0);
+    EXPECT_EQ(blocks({0.0, BE, RE}), 1); // a dry day is data
     // A datum equal to BlockEnd acts as one.
-    EXPECT_EQ(blocksWithData({1.0, 32766.0, 2.0, BE, RE}, Missing), 2);
+    EXPECT_EQ(blocks({1.0, 32766.0, 2.0, BE, RE}), 2);
 }
