@@ -1,4 +1,5 @@
 #include "screens/analyse_screen.hpp"
+#include "support/recording_progress.hpp"
 #include "support/scripted_dialogs.hpp"
 #include "support/temp_dir.hpp"
 
@@ -7,6 +8,7 @@
 using namespace varo;
 using screens::AnalyseScreen;
 using screens::RunOutcome;
+using varo::testing::RecordingProgress;
 using varo::testing::ScriptedDialogs;
 using varo::testing::TempDir;
 
@@ -15,24 +17,6 @@ namespace {
 std::string data(const std::string& name) {
     return std::string(VARO_TEST_DATA) + "/statistics/" + name;
 }
-
-// Records captions; asks for a stop after a number of reports.
-class StoppingProgress final : public core::Progress {
-public:
-    explicit StoppingProgress(long stopAfter = -1) : stopAfter_(stopAfter) {}
-    void report(long, long, std::string_view caption) override {
-        ++reports_;
-        if (captions.empty() || captions.back() != caption) {
-            captions.emplace_back(caption);
-        }
-    }
-    bool stopRequested() override { return stopAfter_ >= 0 && reports_ > stopAfter_; }
-    std::vector<std::string> captions;
-
-private:
-    long stopAfter_;
-    long reports_ = 0;
-};
 
 struct AnalyseFixture : ::testing::Test {
     core::ProgramState state;
@@ -179,7 +163,7 @@ TEST_F(AnalyseFixture, RunShowsItsPhasesAndACancelWritesNothing) {
     state.statisticTable[1].flag = "N"; // eight in all
     AnalyseScreen screen = readyScreen();
     screen.startDateText.text = "01/02/1961";
-    StoppingProgress recording;
+    RecordingProgress recording;
     ASSERT_EQ(screen.run(dialogs, recording), RunOutcome::Done) << dialogs.lastText();
     const std::vector<std::string> expected = {
         "Analysing Scenario",
@@ -199,7 +183,7 @@ TEST_F(AnalyseFixture, RunShowsItsPhasesAndACancelWritesNothing) {
     EXPECT_EQ(screen.fileEnsembleSize, "3"); // the run shows the file's details
 
     std::remove(screen.saveFileText.c_str());
-    StoppingProgress stopping(300);
+    RecordingProgress stopping(300);
     state.stopRequested.request();
     EXPECT_EQ(screen.run(dialogs, stopping), RunOutcome::Cancelled);
     EXPECT_FALSE(state.stopRequested.checkStop()); // the cleanup clears the request

@@ -1,11 +1,12 @@
-// Small helpers for the statistics tests: lists written by hand and a progress that
-// records its captions or asks for a stop.
+// Small helpers for the statistics tests: lists written by hand and the settings that
+// flag a few statistics.
 #pragma once
 
 #include "core/failure.hpp"
 #include "core/progress.hpp"
 #include "statistics/row_lists.hpp"
 #include "statistics/statistics_engine.hpp"
+#include "support/recording_progress.hpp"
 
 #include <initializer_list>
 #include <string>
@@ -37,24 +38,5 @@ inline statistics::EngineSettings settingsFor(std::initializer_list<int> columns
     }
     return settings;
 }
-
-// Records the captions in the order they first appear after another; asks for a stop
-// after `stopAfter` reports (never when negative).
-class RecordingProgress final : public core::Progress {
-public:
-    explicit RecordingProgress(long stopAfter = -1) : stopAfter_(stopAfter) {}
-    void report(long, long, std::string_view caption) override {
-        ++reports_;
-        if (captions.empty() || captions.back() != caption) {
-            captions.emplace_back(caption);
-        }
-    }
-    bool stopRequested() override { return stopAfter_ >= 0 && reports_ > stopAfter_; }
-    std::vector<std::string> captions;
-
-private:
-    long stopAfter_;
-    long reports_ = 0;
-};
 
 } // namespace varo::testing
