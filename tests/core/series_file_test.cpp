@@ -86,6 +86,19 @@ TEST(SeriesReader, LineCountSurvivesChunkBoundaries) {
     EXPECT_NE(description.find("line 300001"), std::string::npos) << description;
 }
 
+TEST(SeriesReader, LinesLongerThanAReadChunkComeWhole) {
+    TempDir dir;
+    std::string row;
+    for (int member = 0; member < 20000; ++member) {
+        row += "1.500000      ";
+    }
+    SeriesReader reader(dir.write("wide.dat", row + "\r\n" + row + "\r\n7\r\n"));
+    EXPECT_EQ(reader.readLine(), row);
+    EXPECT_EQ(reader.readLine(), row);
+    EXPECT_EQ(reader.readNumber(), 7.0);
+    EXPECT_EQ(reader.lineNumber(), 4);
+}
+
 TEST(SeriesReader, NumberThenLinesReadsFollowingLines) {
     TempDir dir;
     SeriesReader reader(
