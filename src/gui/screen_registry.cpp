@@ -1,5 +1,6 @@
 #include "gui/screen_registry.hpp"
 
+#include "gui/calibrate_widget.hpp"
 #include "gui/quality_widget.hpp"
 #include "gui/screen_vars_widget.hpp"
 #include "gui/synthesize_widget.hpp"
@@ -13,6 +14,7 @@ const std::map<screens::ScreenKey, ScreenFactory>& screenFactories() {
         {ScreenKey::Quality, [](ScreenContext& context) { return new QualityWidget(context); }},
         {ScreenKey::Transform, [](ScreenContext& context) { return new TransformWidget(context); }},
         {ScreenKey::Screen, [](ScreenContext& context) { return new ScreenVarsWidget(context); }},
+        {ScreenKey::Calibrate, [](ScreenContext& context) { return new CalibrateWidget(context); }},
         {ScreenKey::WeatherGen,
          [](ScreenContext& context) { return new SynthesizeWidget(context); }},
     };

@@ -1,0 +1,333 @@
+#include "gui/calibrate_widget.hpp"
+
+#include "core/failure.hpp"
+#include "core/series_file.hpp"
+
+#include <QButtonGroup>
+#include <QCheckBox>
+#include <QFormLayout>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPrintDialog>
+#include <QPrinter>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QTextEdit>
+#include <QVBoxLayout>
+#include <algorithm>
+#include <filesystem>
+
+namespace varo::gui {
+
+namespace {
+
+QString qt(const std::string& text) {
+    return QString::fromStdString(text);
+}
+
+QPushButton* button(const QString& caption, const QString& name, QWidget* parent) {
+    auto* made = new QPushButton(caption, parent);
+    made->setObjectName(name);
+    return made;
+}
+
+QLabel* label(const QString& name, QWidget* parent) {
+    auto* made = new QLabel(parent);
+    made->setObjectName(name);
+    return made;
+}
+
+QString withWindowsLineEnds(const std::string& text) {
+    QString out = qt(text);
+    out.replace("\n", "\r\n");
+    return out;
+}
+
+} // namespace
+
+// ---------------------------------------------------------------------------------------
+// The results window
+
+CalibrateResultsDialog::CalibrateResultsDialog(ScreenContext& context,
+                                               const calibration::CalibrationReport& report,
+                                               QWidget* parent)
+    : QDialog(parent), context_(context), text_(calibration::reportText(report)) {
+    setObjectName("CalibResultsFrm");
+    setWindowTitle("Calibration Results");
+    setAttribute(Qt::WA_DeleteOnClose);
+    auto* layout = new QVBoxLayout(this);
+    auto* keys = new QHBoxLayout();
+    auto* printKey = button("Print", "menuPrint", this);
+    auto* saveKey = button("Save As Text", "menuSave", this);
+    auto* backKey = button("Back", "menuBack", this);
+    keys->addWidget(printKey);
+    keys->addWidget(saveKey);
+    keys->addStretch(1);
+    keys->addWidget(backKey);
+    layout->addLayout(keys);
+    page_ = new QTextEdit(this);
+    page_->setObjectName("ResultsPage");
+    page_->setReadOnly(true);
+    page_->setHtml(reportHtml(report));
+    layout->addWidget(page_, 1);
+    resize(760, 720);
+    connect(printKey, &QPushButton::clicked, this, [this] { print(); });
+    connect(saveKey, &QPushButton::clicked, this, [this] { saveAsText(); });
+    connect(backKey, &QPushButton::clicked, this, &QDialog::close);
+}
+
+QString CalibrateResultsDialog::reportHtml(const calibration::CalibrationReport& report) {
+    QString html = "<html><body style='font-family: monospace'>";
+    for (const std::string& line : report.headingLines) {
+        html += "<div>" + qt(line).toHtmlEscaped().replace(" ", "&nbsp;") + "</div>";
+    }
+    for (const calibration::ReportTable& table : report.tables) {
+        html += "<p style='margin-top: 12px'><b>" + qt(table.title) + "</b>";
+        if (!table.crossValidationTitle.empty()) {
+            html += " &nbsp; <b>" + qt(table.crossValidationTitle) + "</b> (from column " +
+                    QString::number(table.crossValidationColumn + 1) + ")";
+        }
+        html += "</p><table cellspacing='0' cellpadding='4'><tr>";
+        for (const std::string& heading : table.headings) {
+            html += "<th align='left' width='110'>" + qt(heading) + "</th>";
+        }
+        html += "</tr>";
+        for (const auto& row : table.rows) {
+            html += "<tr>";
+            for (const calibration::ReportCell& cell : row) {
+                const QString text = qt(cell.text).toHtmlEscaped();
+                html += cell.aboveCritical
+                            ? "<td><b><font color='#c00000'>" + text + "</font></b></td>"
+                            : "<td><pre style='margin: 0'>" + text + "</pre></td>";
+            }
+            html += "</tr>";
+        }
+        html += "</table>";
+    }
+    if (report.anyAboveCritical) {
+        html += "<p>Values in <b><font color='#c00000'>bold red</font></b> are Chow statistics "
+                "above their critical value.</p>";
+    }
+    return html + "</body></html>";
+}
+
+void CalibrateResultsDialog::print() {
+    QPrinter printer;
+    QPrintDialog dialog(&printer, this);
+    if (dialog.exec() == QDialog::Accepted) {
+        page_->document()->print(&printer);
+    }
+}
+
+void CalibrateResultsDialog::saveAsText() {
+    const auto path = context_.dialogs.pickSaveFile("Text Files (*.TXT)|*.TXT|All Files (*.*)|*.*",
+                                                    context_.state.defaultDir, "TXT");
+    if (!path) {
+        return;
+    }
+    try {
+        core::TextFileWriter writer(*path);
+        writer.write(withWindowsLineEnds(text_).toStdString());
+        writer.close();
+    } catch (const core::Failure& failure) {
+        context_.dialogs.error(core::reportFailureText(failure.number(), failure.description()));
+    }
+}
+
+// ---------------------------------------------------------------------------------------
+// The screen
+
+CalibrateWidget::CalibrateWidget(ScreenContext& context, QWidget* parent)
+    : ScreenWidget(context, "Calibrate Model", parent), record_(context.state) {
+    addKey("Calibrate", "tb1Calibrate", [this] { calibrate(); });
+    addKey("Reset", "tb1Reset", [this] {
+        record_.reset();
+        showRecord();
+    });
+    addKey("Settings", "tb1Settings", [this] { context_.openSettings(); });
+    addKey("Help", "tb1Help", [this] { context_.openHelp(); });
+    auto* columns = new QHBoxLayout();
+    columns->addWidget(buildFiles(), 1);
+    columns->addWidget(buildModel(), 1);
+    content()->addLayout(columns, 1);
+    showRecord();
+}
+
+QWidget* CalibrateWidget::buildFiles() {
+    auto* box = new QGroupBox("Files", this);
+    auto* layout = new QVBoxLayout(box);
+    auto* predictandRow = new QHBoxLayout();
+    auto* pickPredictand = button("Select Predictand", "PredictandButton", box);
+    predictandLabel_ = label("PtandText", box);
+    predictandRow->addWidget(pickPredictand);
+    predictandRow->addWidget(predictandLabel_, 1);
+    layout->addLayout(predictandRow);
+
+    auto* folderRow = new QHBoxLayout();
+    auto* pickFolder = button("Predictor Folder...", "Dir2", box);
+    folderLabel_ = label("Dir2Text", box);
+    folderLabel_->setWordWrap(true);
+    folderRow->addWidget(pickFolder);
+    folderRow->addWidget(folderLabel_, 1);
+    layout->addLayout(folderRow);
+
+    layout->addWidget(new QLabel("Select predictors:", box));
+    predictors_ = new QListWidget(box);
+    predictors_->setObjectName("File2");
+    predictors_->setSelectionMode(QAbstractItemView::ExtendedSelection);
+    layout->addWidget(predictors_, 1);
+    selectedCount_ = label("NoOfFiles", box);
+    layout->addWidget(selectedCount_);
+
+    auto* parRow = new QHBoxLayout();
+    auto* pickPar = button("Output File...", "PARFileButton", box);
+    parFileLabel_ = label("PARFileText", box);
+    parFileLabel_->setWordWrap(true);
+    parRow->addWidget(pickPar);
+    parRow->addWidget(parFileLabel_, 1);
+    layout->addLayout(parRow);
+
+    connect(pickPredictand, &QPushButton::clicked, this, [this] {
+        record_.pickPredictand(context_.dialogs);
+        showRecord();
+    });
+    connect(pickFolder, &QPushButton::clicked, this, [this] {
+        record_.pickPredictorFolder(context_.dialogs);
+        showRecord();
+    });
+    connect(pickPar, &QPushButton::clicked, this, [this] {
+        record_.pickParFile(context_.dialogs);
+        showRecord();
+    });
+    connect(predictors_, &QListWidget::itemSelectionChanged, this, [this] {
+        std::vector<int> chosen;
+        for (QListWidgetItem* item : predictors_->selectedItems()) {
+            chosen.push_back(predictors_->row(item));
+        }
+        record_.selectListItems(chosen);
+        selectedCount_->setText(QString::number(record_.noOfFiles()) + " selected");
+    });
+    return box;
+}
+
+QButtonGroup* CalibrateWidget::options(const QString& name, const QStringList& captions,
+                                       QWidget* parent, QLayout* into) {
+    auto* group = new QButtonGroup(this);
+    for (int i = 0; i < captions.size(); ++i) {
+        auto* option = new QRadioButton(captions[i], parent);
+        option->setObjectName(name + QString::number(i));
+        group->addButton(option, i);
+        into->addWidget(option);
+    }
+    return group;
+}
+
+QWidget* CalibrateWidget::buildModel() {
+    screens::Dialogs& dialogs = context_.dialogs;
+    auto* box = new QGroupBox("Model", this);
+    auto* form = new QFormLayout(box);
+    const auto dated = [this](bool ok) {
+        noOfDays_->setText(qt(record_.noOfDays));
+        return ok;
+    };
+    const auto narrow = [](QLineEdit* edit) {
+        edit->setMaximumWidth(140);
+        return edit;
+    };
+    form->addRow("Fit start:", narrow(bindField("FSDate", record_.fsDate, [this, &dialogs, dated] {
+                     return dated(record_.checkFitStart(dialogs));
+                 })));
+    form->addRow("Fit end:", narrow(bindField("FEdate", record_.feDate, [this, &dialogs, dated] {
+                     return dated(record_.checkFitEnd(dialogs));
+                 })));
+    noOfDays_ = label("NoOfDays", box);
+    form->addRow("Days in fit:", noOfDays_);
+
+    auto* modelRow = new QHBoxLayout();
+    modelType_ = options("ModelType", {"Monthly", "Seasonal", "Annual"}, box, modelRow);
+    form->addRow("Model type:", modelRow);
+    auto* processRow = new QHBoxLayout();
+    process_ = options("ParmOpt", {"Conditional", "Unconditional"}, box, processRow);
+    form->addRow("Process:", processRow);
+    autoregression_ = new QCheckBox("Include", box);
+    autoregression_->setObjectName("AutoRegressionCheck");
+    form->addRow("Autoregression:", autoregression_);
+    chow_ = new QCheckBox("Calculate", box);
+    chow_->setObjectName("IncludeChow");
+    chow_->setToolTip("Calculate the Chow statistic.  Warning - this can take some time.");
+    form->addRow("Chow test:", chow_);
+    crossValidation_ = new QCheckBox("Perform", box);
+    crossValidation_->setObjectName("xValidationCheck");
+    form->addRow("Cross validation:", crossValidation_);
+    form->addRow("Folds:",
+                 narrow(bindField("NoOfFoldsText", record_.noOfFoldsText,
+                                  [this, &dialogs] { return record_.checkFolds(dialogs); })));
+    auto* graphRow = new QHBoxLayout();
+    graphType_ = options("GraphType", {"None", "Scatter plot", "Histogram"}, box, graphRow);
+    form->addRow("Residual plot:", graphRow);
+    form->addRow("Histogram bars:",
+                 narrow(bindField("HistogramCatsText", record_.histogramCatsText, [this, &dialogs] {
+                     return record_.checkHistogramCategories(dialogs);
+                 })));
+
+    connect(modelType_, &QButtonGroup::idClicked, this, [this](int id) { record_.modelType = id; });
+    connect(process_, &QButtonGroup::idClicked, this, [this](int id) { record_.parmOpt = id; });
+    connect(graphType_, &QButtonGroup::idClicked, this, [this](int id) { record_.graphType = id; });
+    connect(autoregression_, &QCheckBox::toggled, this,
+            [this](bool on) { record_.autoRegressionCheck = on; });
+    connect(chow_, &QCheckBox::toggled, this, [this](bool on) { record_.includeChow = on; });
+    connect(crossValidation_, &QCheckBox::toggled, this,
+            [this](bool on) { record_.xValidationCheck = on; });
+    return box;
+}
+
+void CalibrateWidget::showSelection() {
+    const QSignalBlocker quiet(predictors_);
+    predictors_->clear();
+    for (const std::string& name : record_.folderFiles) {
+        auto* item = new QListWidgetItem(qt(name), predictors_);
+        const std::string path = (std::filesystem::path(record_.predictorFolder) / name).string();
+        item->setSelected(std::find(record_.selectedPredictors.begin(),
+                                    record_.selectedPredictors.end(),
+                                    path) != record_.selectedPredictors.end());
+    }
+    selectedCount_->setText(QString::number(record_.noOfFiles()) + " selected");
+}
+
+void CalibrateWidget::showRecord() {
+    predictandLabel_->setText(qt(record_.ptandText));
+    folderLabel_->setText(qt(record_.predictorFolder));
+    showSelection();
+    parFileLabel_->setText(qt(record_.parFileText));
+    noOfDays_->setText(qt(record_.noOfDays));
+    modelType_->button(record_.modelType)->setChecked(true);
+    process_->button(record_.parmOpt)->setChecked(true);
+    graphType_->button(record_.graphType)->setChecked(true);
+    autoregression_->setChecked(record_.autoRegressionCheck);
+    chow_->setChecked(record_.includeChow);
+    crossValidation_->setChecked(record_.xValidationCheck);
+    showFields();
+}
+
+void CalibrateWidget::refreshGlobals() {
+    record_.refreshGlobals();
+    showRecord();
+}
+
+void CalibrateWidget::calibrate() {
+    runLong([this](core::Progress& progress) { record_.calibrate(context_.dialogs, progress); });
+    showRecord();
+    if (record_.report) {
+        if (results_ != nullptr) {
+            results_->close();
+        }
+        results_ = new CalibrateResultsDialog(context_, *record_.report, window());
+        connect(results_, &QObject::destroyed, this, [this] { results_ = nullptr; });
+        results_->show();
+    }
+}
+
+} // namespace varo::gui

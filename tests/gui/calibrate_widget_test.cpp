@@ -1,0 +1,87 @@
+#include "gui_test_support.hpp"
+
+#include "gui/calibrate_widget.hpp"
+
+#include <QLabel>
+#include <QListWidget>
+#include <QPushButton>
+#include <QTextEdit>
+
+using namespace varo;
+using varo::testing::GuiFixture;
+
+namespace {
+
+const QString Data = QString::fromStdString(std::string(VARO_TEST_DATA) + "/calibration/driver");
+
+} // namespace
+
+TEST_F(GuiFixture, CalibrateScreenFitsAModelAndShowsTheReport) {
+    state.globalSDate = "01/01/1961";
+    state.globalEDate = "31/12/1966";
+    state.globalDays = 2191;
+    window->goTo(screens::ScreenKey::Calibrate);
+    EXPECT_EQ(text("FSDate"), "01/01/1961");
+    EXPECT_EQ(find<QLabel>("NoOfDays")->text(), "2191");
+
+    click("tb1Calibrate");
+    ASSERT_EQ(dialogs.errors().size(), 1u);
+    EXPECT_EQ(dialogs.errors()[0], "You must select a predictand.");
+
+    dialogs.pickedFiles.push_back(Data.toStdString() + "/rain.dat");
+    click("PredictandButton");
+    EXPECT_EQ(find<QLabel>("PtandText")->text(), "rain.dat");
+    dialogs.pickedFiles.push_back(Data.toStdString());
+    click("Dir2");
+    auto* list = find<QListWidget>("File2");
+    const auto shum = list->findItems("shum.dat", Qt::MatchExactly);
+    const auto mslp = list->findItems("mslp.dat", Qt::MatchExactly);
+    ASSERT_EQ(shum.size(), 1);
+    ASSERT_EQ(mslp.size(), 1);
+    shum[0]->setSelected(true);
+    mslp[0]->setSelected(true);
+    EXPECT_EQ(find<QLabel>("NoOfFiles")->text(), "2 selected");
+    dialogs.pickedFiles.push_back(dir.path("MODEL.PAR"));
+    click("PARFileButton");
+
+    // A refused date comes back as it was; a good one changes the days.
+    type("FSDate", "31/12/1960");
+    EXPECT_EQ(dialogs.lastText(), "Fit start date must be later than record start date.");
+    EXPECT_EQ(text("FSDate"), "01/01/1961");
+    type("FSDate", "01/01/1962");
+    EXPECT_EQ(find<QLabel>("NoOfDays")->text(), "1826");
+    click("ModelType2");
+    click("IncludeChow");
+
+    click("tb1Calibrate");
+    ASSERT_TRUE(varo::testing::fileExists(dir.path("MODEL.PAR"))) << dialogs.lastText();
+    std::string golden = varo::testing::readFile(Data.toStdString() + "/annual_unconditional.PAR");
+    golden.replace(golden.rfind("DATA/"), 4, Data.toStdString());
+    EXPECT_EQ(varo::testing::readFile(dir.path("MODEL.PAR")), golden);
+
+    auto* results = window->findChild<gui::CalibrateResultsDialog*>("CalibResultsFrm");
+    ASSERT_NE(results, nullptr);
+    const QString page = results->findChild<QTextEdit*>("ResultsPage")->toPlainText();
+    EXPECT_TRUE(page.contains("Unconditional Statistics"));
+    EXPECT_TRUE(page.contains("Chow"));
+    EXPECT_TRUE(page.contains("January"));
+
+    dialogs.pickedFiles.push_back(dir.path("REPORT.TXT"));
+    QTest::mouseClick(results->findChild<QPushButton*>("menuSave"), Qt::LeftButton);
+    const std::string saved = varo::testing::readFile(dir.path("REPORT.TXT"));
+    EXPECT_EQ(saved.rfind("Predictand: rain.dat\r\nPredictors: mslp.dat\r\n", 0), 0u) << saved;
+}
+
+TEST_F(GuiFixture, CalibrateResetAndFieldChecks) {
+    window->goTo(screens::ScreenKey::Calibrate);
+    type("NoOfFoldsText", "11");
+    EXPECT_EQ(dialogs.lastText(), "Number of folds cannot be less than 2 or greater than 10.");
+    EXPECT_EQ(text("NoOfFoldsText"), "2");
+    type("HistogramCatsText", "abc");
+    EXPECT_EQ(dialogs.lastText(), "Histogram catgeories value is invalid.");
+    EXPECT_EQ(text("HistogramCatsText"), "20");
+    click("ParmOpt0");
+    click("tb1Reset");
+    EXPECT_TRUE(find<QAbstractButton>("ParmOpt1")->isChecked());
+    EXPECT_EQ(find<QLabel>("PARFileText")->text(), "*.PAR");
+}
