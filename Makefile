@@ -20,7 +20,10 @@ test: deps
 	cmake --build --preset ci -j $(JOBS)
 	ctest --preset ci -j $(JOBS)
 
-demo: release
+# The demo needs only the two programs, not the tests and benchmarks.
+demo: deps
+	cmake --preset release >/dev/null
+	cmake --build --preset release -j $(JOBS) --target varo varo-gui
 	./build/release/src/cli/varo demo $(DEMO_DIR)
 
 bench: release

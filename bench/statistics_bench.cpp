@@ -43,8 +43,8 @@ struct BenchFiles {
         for (int day = 0; day < Days; ++day) {
             for (double& value : values) {
                 const float u = random.next();
-                value = u < 0.5f ? 0.0
-                                 : std::round(-8.0 * std::log(1.0 - random.next()) * 1000) / 1000;
+                value =
+                    u < 0.5f ? 0.0 : std::round(-8.0 * std::log(1.0 - random.next()) * 1000) / 1000;
             }
             varo::weathergen::writeDayLine(file, values, Members);
         }
@@ -70,8 +70,8 @@ void ReadOutFile(benchmark::State& state) {
     varo::statistics::DataSource source{f.out, Members, varo::core::RealCalendar, {1, 1, 1961}};
     varo::core::NullProgress progress;
     for (auto _ : state) {
-        const auto period = varo::statistics::readPeriod(source, {1, 1, 1961}, {31, 12, 1990},
-                                                         progress);
+        const auto period =
+            varo::statistics::readPeriod(source, {1, 1, 1961}, {31, 12, 1990}, progress);
         benchmark::DoNotOptimize(period.values.data());
     }
     state.counters["values"] = static_cast<double>(Members) * Days;
@@ -80,9 +80,13 @@ void ReadOutFile(benchmark::State& state) {
 void StatsCommand(benchmark::State& state) {
     const auto& f = files();
     const std::vector<std::string> args = {
-        "--settings", f.settings, "--quiet", "stats", f.out, "-o", f.results, "--ensemble-mean",
-        "--start", "01/01/1961", "--end", "31/12/1990", "--stats",
-        "Mean,Maximum,Median,Percentile,Sum,Max_NTot,Wet-spell,Dry-spell"};
+        "--settings", f.settings,
+        "--quiet",    "stats",
+        f.out,        "-o",
+        f.results,    "--ensemble-mean",
+        "--start",    "01/01/1961",
+        "--end",      "31/12/1990",
+        "--stats",    "Mean,Maximum,Median,Percentile,Sum,Max_NTot,Wet-spell,Dry-spell"};
     for (auto _ : state) {
         std::ostringstream out;
         std::ostringstream err;

@@ -1,65 +1,338 @@
-// varo demo [DIR]: writes sample data into DIR and runs the work on it.
+// varo demo [DIR]: writes the sample data set into DIR and runs the work on it, step by
+// step, as a person would from the command line: quality check, screening, calibration of
+// a precipitation and a temperature model, generation from observed and from a climate
+// model's predictors, summary statistics with deltas; then prints a short summary.
 #include "cli/commands.hpp"
 
+#include "calibration/parameter_file.hpp"
+#include "cli/cli.hpp"
+#include "core/failure.hpp"
+#include "core/number_format.hpp"
 #include "core/series_file.hpp"
 #include "sampledata/sample_data.hpp"
-#include "screens/quality_screen.hpp"
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
 
 namespace varo::cli {
 
 namespace {
 
-// Runs the quality check of one file and prints a line of its findings.
-bool checkQuality(CliContext& context, const std::string& file) {
-    screens::QualityScreen quality(context.state);
-    quality.chooseFile(file);
-    if (quality.check(context.dialogs(), context.progress()) != screens::RunOutcome::Done) {
-        return false;
+using Json = nlohmann::ordered_json;
+
+struct DemoOptions {
+    std::string folder = "demo-output";
+    bool shortRun = false; // six observed years and five members, for tests
+};
+
+// A step failed; its messages have been printed.
+struct StepFailed {
+    int exitCode;
+};
+
+// Runs varo commands against the demo's own settings file, echoing each command line as
+// a person would type it, and keeps the files they write.
+class DemoRunner {
+public:
+    DemoRunner(CliContext& context, std::string folder)
+        : context_(context), folder_(std::move(folder)) {}
+
+    std::string path(const std::string& name) const { return folder_ + "/" + name; }
+
+    // Runs one command; its report goes to `reportFile` (when named) and, for --json
+    // commands, comes back parsed.
+    Json run(const std::vector<std::string>& args, bool json, const std::string& reportFile = {}) {
+        std::vector<std::string> full{"--settings", path("VARO.INI"), "--quiet"};
+        if (json) {
+            full.emplace_back("--json");
+        }
+        full.insert(full.end(), args.begin(), args.end());
+        echo(args);
+        std::ostringstream out;
+        std::ostringstream err;
+        const int exitCode = runCli(full, out, err);
+        if (exitCode != ExitDone) {
+            context_.err << err.str();
+            throw StepFailed{exitCode};
+        }
+        if (!reportFile.empty()) {
+            std::ofstream(path(reportFile)) << out.str();
+            written_.push_back(reportFile);
+        }
+        return json ? Json::parse(out.str()) : Json();
     }
-    context.printLine("  " + core::bareFileName(file) + ": " + quality.totalText + " values, " +
-                      quality.missingText + " missing, mean " + quality.meanText + ", range " +
-                      quality.minText + " to " + quality.maxText + ", above threshold " +
-                      quality.threshCountText);
-    return true;
+
+    void wrote(const std::string& name) { written_.push_back(name); }
+    const std::vector<std::string>& written() const { return written_; }
+
+private:
+    void echo(const std::vector<std::string>& args) const {
+        std::string line = "$ varo";
+        for (const std::string& arg : args) {
+            line += ' ' + arg;
+        }
+        context_.printLine(line);
+    }
+
+    CliContext& context_;
+    std::string folder_;
+    std::vector<std::string> written_;
+};
+
+std::string fixed(double value, int decimals) {
+    return core::formatPattern(value, decimals == 1 ? "0.0" : decimals == 2 ? "0.00" : "0.000");
 }
 
-int runDemo(CliContext& context, const std::string& folder) {
+std::string signedFixed(double value, int decimals) {
+    return (value >= 0.0 ? "+" : "") + fixed(value, decimals);
+}
+
+std::string padded(std::string text, size_t width) {
+    if (text.size() < width) {
+        text.insert(0, width - text.size(), ' ');
+    }
+    return text;
+}
+
+const Json& tableRow(const Json& table, const std::string& period) {
+    for (const Json& row : table) {
+        if (row["period"] == period) {
+            return row;
+        }
+    }
+    throw core::Failure(core::failure::TypeMismatch, "No row '" + period + "' in a results table.");
+}
+
+// The mean over the months that have the value (a missing statistic is null).
+double meanOf(const Json& months, const char* key) {
+    double sum = 0.0;
+    int count = 0;
+    for (const Json& month : months) {
+        if (month[key].is_number()) {
+            sum += month[key].get<double>();
+            ++count;
+        }
+    }
+    return count > 0 ? sum / count : 0.0;
+}
+
+void printSkill(CliContext& context, const Json& precipitation, const Json& temperature,
+                const calibration::ParameterFile& temperatureModel) {
+    context.printLine("Skill of the models (calibration " +
+                      precipitation["fitStart"].get<std::string>() + " to " +
+                      precipitation["fitEnd"].get<std::string>() + ", mean of the months):");
+    context.printLine("  precipitation occurrence: R squared " +
+                      fixed(meanOf(precipitation["months"], "rSquared"), 3) +
+                      ", proportion correct " +
+                      fixed(meanOf(precipitation["months"], "propCorrect"), 3));
+    context.printLine("  precipitation amounts (fourth root): R squared " +
+                      fixed(meanOf(precipitation["amounts"], "rSquared"), 3));
+    context.printLine("  maximum temperature: R squared " +
+                      fixed(meanOf(temperature["months"], "rSquared"), 3) + ", standard error " +
+                      fixed(meanOf(temperature["months"], "standardError"), 2) +
+                      " deg C (the generator's noise: " + fixed(sampledata::TmaxNoise, 2) + ")");
+    double temp = 0.0;
+    double p500 = 0.0;
+    double r850 = 0.0;
+    for (const auto& month : temperatureModel.months) {
+        temp += month.coefficients[1] / 12.0;
+        p500 += month.coefficients[2] / 12.0;
+        r850 += month.coefficients[3] / 12.0;
+    }
+    context.printLine("  temperature coefficients, fitted (known): temp " + fixed(temp, 2) + " (" +
+                      fixed(sampledata::TmaxOnTemp, 2) + "), p500 " + fixed(p500, 2) + " (" +
+                      fixed(sampledata::TmaxOnP500, 2) + "), r850 " + fixed(r850, 2) + " (" +
+                      fixed(sampledata::TmaxOnR850, 2) + ")");
+}
+
+void printComparison(CliContext& context, const Json& observed, const Json& modelled,
+                     const Json& observedTmax, const Json& modelledTmax,
+                     const std::string& members) {
+    context.printLine("Observed against modelled, " + observed["start"].get<std::string>() +
+                      " to " + observed["end"].get<std::string>() + " (" + members +
+                      " members, ensemble mean):");
+    context.printLine("  season   wet days %     wet-day mean mm    max temperature C");
+    context.printLine("           obs    mod       obs     mod        obs     mod");
+    for (const char* season : {"Winter", "Spring", "Summer", "Autumn", "Annual"}) {
+        const Json& o = tableRow(observed["table"], season);
+        const Json& m = tableRow(modelled["table"], season);
+        const Json& ot = tableRow(observedTmax["table"], season);
+        const Json& mt = tableRow(modelledTmax["table"], season);
+        std::string line = "  " + std::string(season);
+        line.append(9 - std::string(season).size(), ' ');
+        line += padded(fixed(100.0 * o["Wet-days%"].get<double>(), 1), 5) +
+                padded(fixed(100.0 * m["Wet-days%"].get<double>(), 1), 7) +
+                padded(fixed(o["Mean"], 2), 10) + padded(fixed(m["Mean"], 2), 8) +
+                padded(fixed(ot["Mean"], 2), 11) + padded(fixed(mt["Mean"], 2), 8);
+        context.printLine(line);
+    }
+}
+
+void printProjection(CliContext& context, const Json& precipitation, const Json& temperature) {
+    context.printLine(
+        "Projected change, climate model against its own 1961-1990 (annual, ensemble mean):");
+    context.printLine("  period       wet-day mean   wet days    max temperature");
+    const Json& precipPeriods = precipitation["delta"]["periods"];
+    const Json& tmaxPeriods = temperature["delta"]["periods"];
+    for (size_t i = 0; i < precipPeriods.size(); ++i) {
+        const Json& p = tableRow(precipPeriods[i]["table"], "Annual");
+        const Json& t = tableRow(tmaxPeriods[i]["table"], "Annual");
+        const std::string span = precipPeriods[i]["start"].get<std::string>().substr(6) + "-" +
+                                 precipPeriods[i]["end"].get<std::string>().substr(6);
+        context.printLine("  " + span + "    " + padded(signedFixed(p["Mean"], 1), 6) + " %     " +
+                          padded(signedFixed(p["Wet-days%"], 1), 6) + " %    " +
+                          padded(signedFixed(t["Mean"], 2), 6) + " deg C");
+    }
+}
+
+int runChain(CliContext& context, const DemoOptions& options) {
+    DemoRunner demo(context, options.folder);
+    sampledata::SampleOptions sample;
+    sample.missingCode = context.state.globalMissingCode;
+    if (options.shortRun) {
+        sample.lastYear = 1966;
+    }
+    const sampledata::SampleFiles files = sampledata::writeSampleData(options.folder, sample);
+    for (const char* name : {"precip.dat", "tmax.dat", "predictors/", "future/"}) {
+        demo.wrote(name);
+    }
+    const std::string members = options.shortRun ? "5" : "20";
+    const std::string fitStart = "01/01/" + std::to_string(sample.firstYear);
+    const std::string fitEnd = "31/12/" + std::to_string(sample.lastYear);
+    const std::string observedDays = std::to_string(files.days);
+    const std::string modelDays = std::to_string(files.futureDays);
+    const std::string rain = demo.path("precip.dat");
+    const std::string tmax = demo.path("tmax.dat");
+    const auto observed = [&](const char* code) {
+        return files.predictorFolder + "/" + sampledata::predictorFileName(code);
+    };
+    context.printLine("Sample data written to " + options.folder + "/ (see docs/sample-data.md).");
+    context.printLine("The commands below use the demo's own settings file: each runs with");
+    context.printLine("--settings " + demo.path("VARO.INI") + " before its command.");
+    context.printLine("");
+
+    // The record runs to 2099, so that the climate model's predictors can be run to the end.
+    demo.run({"settings", "set", "RandomSeed", "False"}, false);
+    demo.run({"settings", "set", "GlobalEDate", "31/12/2099"}, false);
+    demo.wrote("VARO.INI");
+    const Json rainQuality = demo.run({"qc", rain}, true);
+    demo.run({"qc", tmax}, true);
+
+    std::vector<std::string> screening{"screen", "correlation", rain};
+    for (const char* code : sampledata::PredictorCodes) {
+        screening.push_back(observed(code));
+    }
+    for (const char* option : {"--process", "conditional", "--fit-start"}) {
+        screening.emplace_back(option);
+    }
+    screening.insert(screening.end(), {fitStart, "--fit-end", fitEnd});
+    demo.run(screening, false, "screening.txt");
+
+    const Json rainModel = demo.run({"--set", "ModelTransformation=2", "calibrate", rain,
+                                     observed("p__z"), observed("r850"), observed("mslp"),
+                                     observed("shum"), "-o", demo.path("precip.PAR"), "--process",
+                                     "conditional", "--fit-start", fitStart, "--fit-end", fitEnd},
+                                    true, "precip-calibration.json");
+    demo.wrote("precip.PAR");
+    const Json tmaxModel =
+        demo.run({"calibrate", tmax, observed("temp"), observed("p500"), observed("r850"), "-o",
+                  demo.path("tmax.PAR"), "--fit-start", fitStart, "--fit-end", fitEnd},
+                 true, "tmax-calibration.json");
+    demo.wrote("tmax.PAR");
+
+    for (const char* model : {"precip", "tmax"}) {
+        const std::string par = demo.path(std::string(model) + ".PAR");
+        demo.run({"generate", par, "--predictors", files.predictorFolder, "-o",
+                  demo.path(std::string(model) + "-observed.OUT"), "--start", fitStart, "--days",
+                  observedDays, "--ensemble", members},
+                 false);
+        demo.run({"--set", "YearIndicator=360", "generate", par, "--predictors", files.futureFolder,
+                  "-o", demo.path(std::string(model) + "-model.OUT"), "--start", "01/01/1961",
+                  "--days", modelDays, "--ensemble", members},
+                 false);
+        for (const char* run : {"-observed", "-model"}) {
+            demo.wrote(std::string(model) + run + ".OUT");
+            demo.wrote(std::string(model) + run + ".SIM");
+        }
+    }
+
+    const std::vector<std::string> period{"--start", fitStart, "--end", fitEnd};
+    const auto stats = [&](const std::string& input, const std::string& results,
+                           const std::string& chosen, std::vector<std::string> more) {
+        std::vector<std::string> args{
+            "stats", demo.path(input), "-o", demo.path(results), "--stats", chosen};
+        args.insert(args.end(), more.begin(), more.end());
+        const Json found = demo.run(args, true);
+        demo.wrote(results);
+        return found;
+    };
+    std::vector<std::string> ensemble{"--ensemble-mean"};
+    ensemble.insert(ensemble.end(), period.begin(), period.end());
+    const Json rainObserved =
+        stats("precip.dat", "precip-observed-stats.txt", "Mean,Wet-days%", period);
+    const Json rainModelled =
+        stats("precip-observed.OUT", "precip-modelled-stats.txt", "Mean,Wet-days%", ensemble);
+    const Json tmaxObserved = stats("tmax.dat", "tmax-observed-stats.txt", "Mean", period);
+    const Json tmaxModelled =
+        stats("tmax-observed.OUT", "tmax-modelled-stats.txt", "Mean", ensemble);
+    const Json rainChange = stats("precip-model.OUT", "precip-change.txt", "Mean,Wet-days%",
+                                  {"--ensemble-mean", "--delta", "percentage"});
+    const Json tmaxChange = stats("tmax-model.OUT", "tmax-change.txt", "Mean",
+                                  {"--ensemble-mean", "--delta", "absolute"});
+
+    context.printLine("");
+    context.printLine("Summary");
+    context.printLine(
+        "Observed precipitation: " + std::to_string(rainQuality["values"].get<long>()) + " days, " +
+        std::to_string(rainQuality["missing"].get<long>()) + " missing, mean " +
+        fixed(rainQuality["mean"], 2) + " mm a day.");
+    printSkill(context, rainModel, tmaxModel,
+               calibration::readParameterFile(demo.path("tmax.PAR")));
+    printComparison(context, rainObserved, rainModelled, tmaxObserved, tmaxModelled, members);
+    printProjection(context, rainChange, tmaxChange);
+    context.printLine("");
+    context.printLine("Files written in " + options.folder + "/:");
+    std::string line = " ";
+    for (const std::string& name : demo.written()) {
+        if (line.size() + name.size() > 90) {
+            context.printLine(line);
+            line = " ";
+        }
+        line += ' ' + name;
+    }
+    context.printLine(line);
+    return ExitDone;
+}
+
+int runDemo(CliContext& context, const DemoOptions& options) {
     if (const int refused = context.prepareState()) {
         return refused;
     }
-    sampledata::SampleFiles files;
-    const auto written = screens::guardedRun(
-        context.dialogs(),
-        [&] {
-            sampledata::SampleOptions options;
-            options.missingCode = context.state.globalMissingCode;
-            files = sampledata::writeSampleData(folder, options);
-            return screens::RunOutcome::Done;
-        },
-        [] {});
-    if (written != screens::RunOutcome::Done) {
-        return exitCodeFor(written);
+    try {
+        return runChain(context, options);
+    } catch (const StepFailed& failed) {
+        return failed.exitCode;
+    } catch (const core::Failure& failure) {
+        context.dialogs().error(core::reportFailureText(failure.number(), failure.description()));
+        return ExitFailed;
+    } catch (const nlohmann::json::exception& error) {
+        context.dialogs().error(std::string("A step's report could not be read: ") + error.what());
+        return ExitFailed;
     }
-    context.printLine("Sample data written to " + folder + "/: precip.dat, tmax.dat (1961-1990),");
-    context.printLine(
-        "  predictors/ and future/ (" + std::to_string(files.predictorFiles.size()) +
-        " predictors, observed 1961-1990 and a climate model's 1961-2099 on a 360-day calendar)");
-    context.printLine("");
-    context.printLine("Quality check:");
-    const bool checked = checkQuality(context, files.precipitation) &&
-                         checkQuality(context, files.maximumTemperature);
-    return checked ? ExitDone : ExitFailed;
 }
 
 } // namespace
 
 void addDemoCommand(CLI::App& app, CliContext& context, CommandResult& result) {
-    const auto folder = std::make_shared<std::string>("demo-output");
+    const auto options = std::make_shared<DemoOptions>();
     CLI::App* demo =
-        app.add_subcommand("demo", "Write sample data into DIR and run the work on it");
-    demo->add_option("DIR", *folder, "Folder for the sample data and results")
+        app.add_subcommand("demo", "Write sample data into DIR and run the whole chain on it");
+    demo->add_option("DIR", options->folder, "Folder for the sample data and results")
         ->capture_default_str();
-    demo->callback([&, folder] { result.exitCode = runDemo(context, *folder); });
+    demo->add_flag("--short", options->shortRun,
+                   "Six observed years and five members (a quick check)");
+    demo->callback([&, options] { result.exitCode = runDemo(context, *options); });
 }
 
 } // namespace varo::cli

@@ -29,20 +29,16 @@ bool refuse(Dialogs& dialogs, TextField& field, const std::string& message) {
 
 std::string predictorDescription(const core::ProgramState& state, std::string_view fileName) {
     const std::string name = lowerCase(fileName);
-    if (name.size() >= 8) {
-        const std::string code = name.substr(4, 4);
-        for (const auto& entry : state.predictorTable) {
-            if (entry.code == code) {
-                return entry.description;
-            }
-        }
-    }
+    size_t earliest = std::string::npos;
+    std::string description;
     for (const auto& entry : state.predictorTable) {
-        if (name.find(entry.code) != std::string::npos) {
-            return entry.description;
+        const size_t at = name.find(entry.code);
+        if (at < earliest) {
+            earliest = at;
+            description = entry.description;
         }
     }
-    return {};
+    return description;
 }
 
 std::vector<std::string> periodEntries(const core::ProgramState& state) {

@@ -20,9 +20,9 @@
 
 namespace varo::screens {
 
-// The description of a predictor file from the predictor table: the code at characters
-// 5 to 8 of the name (after a four-letter source prefix), else the first code found
-// anywhere in the name, letters compared without regard to case; empty when none matches.
+// The description of a predictor file from the predictor table: the table code that
+// stands earliest in the file's name ("mslp.dat", "obs_mslp_1961.dat"), letters compared
+// without regard to case; empty when no code stands in it.
 std::string predictorDescription(const core::ProgramState& state, std::string_view fileName);
 
 // The entries of the period list: 0 "Annual", 1 to 4 the seasons, 5 to 16 the months.

@@ -30,7 +30,7 @@ struct ScreenVarsFixture : ::testing::Test {
     void fillFolder() {
         for (const char* code : {"temp", "mslp", "p500", "p850", "rhum", "r500", "r850", "sphu",
                                  "p__f", "p__z", "p__v", "p__u", "p_th"}) {
-            dir.write(std::string("ncep") + code + "gl.dat", "1\r\n2\r\n3\r\n");
+            dir.write(std::string("obs_") + code + ".dat", "1\r\n2\r\n3\r\n");
         }
     }
 };
@@ -40,9 +40,12 @@ struct ScreenVarsFixture : ::testing::Test {
 TEST(PredictorDescription, LooksTheCodeUpInThePredictorTable) {
     core::ProgramState state;
     core::initialiseState(state);
-    EXPECT_EQ(screens::predictorDescription(state, "ncepmslpas.dat"), "Mean sea level pressure");
-    EXPECT_EQ(screens::predictorDescription(state, "NCEPP__FAS.DAT"), "Surface airflow strength");
-    EXPECT_EQ(screens::predictorDescription(state, "h3p500gl.dat"), "500 hPa geopotential height");
+    EXPECT_EQ(screens::predictorDescription(state, "mslp.dat"), "Mean sea level pressure");
+    EXPECT_EQ(screens::predictorDescription(state, "OBS_P__F_1961.DAT"),
+              "Surface airflow strength");
+    EXPECT_EQ(screens::predictorDescription(state, "gcm_p500.dat"), "500 hPa geopotential height");
+    // The earliest code wins: "temp" stands before "p500" here.
+    EXPECT_EQ(screens::predictorDescription(state, "temp_p500.dat"), "Mean temperature at 2m");
     EXPECT_EQ(screens::predictorDescription(state, "rain.dat"), "");
 }
 
@@ -50,11 +53,11 @@ TEST_F(ScreenVarsFixture, TheListComesFromTheFolderAndMoreThanTwelveWarn) {
     fillFolder();
     ScreenVarsScreen screen(state);
     ASSERT_EQ(screen.predictorFiles.size(), 13u);
-    EXPECT_EQ(screen.predictorFiles.front(), "ncepmslpgl.dat");
-    EXPECT_EQ(screen.predictorFiles.back(), "nceptempgl.dat");
+    EXPECT_EQ(screen.predictorFiles.front(), "obs_mslp.dat");
+    EXPECT_EQ(screen.predictorFiles.back(), "obs_temp.dat");
     screen.selectPredictorItems({3, 1}, dialogs);
     EXPECT_EQ(screen.selectedPredictors,
-              (std::vector<std::string>{dir.path("ncepp500gl.dat"), dir.path("ncepp__fgl.dat")}));
+              (std::vector<std::string>{dir.path("obs_p500.dat"), dir.path("obs_p__f.dat")}));
     EXPECT_EQ(screen.noOfFiles, "2");
     EXPECT_TRUE(dialogs.messages.empty());
     std::vector<size_t> all(13);
@@ -65,7 +68,7 @@ TEST_F(ScreenVarsFixture, TheListComesFromTheFolderAndMoreThanTwelveWarn) {
     EXPECT_EQ(dialogs.messages[0].text,
               "Can only display up to 12 predictors in correlation analysis.");
 
-    screen.choosePredictand(dir.path("ncepmslpgl.dat"));
+    screen.choosePredictand(dir.path("obs_mslp.dat"));
     EXPECT_EQ(screen.correlate(dialogs, progress), Outcome::Refused);
     EXPECT_EQ(dialogs.lastText(), "Sorry - you are allowed a maximum of 12 predictors only.");
     // Explained variance takes them all (the files are too short for the period, though).

@@ -132,7 +132,7 @@ TEST(ParameterReading, ReadsWhatCalibrationWrites) {
     written.transformation = 5.0f;
     written.autoregression = true;
     written.predictandName = "rain.dat";
-    written.predictorNames = {"ncep_mslp.dat", "ncep_p500.dat", "ncep_shum.dat"};
+    written.predictorNames = {"obs_mslp.dat", "obs_p500.dat", "obs_shum.dat"};
     written.predictandPath = "/data/rain.dat";
     for (int m = 0; m < 12; ++m) {
         auto& month = written.months[static_cast<size_t>(m)];

@@ -1,0 +1,101 @@
+#include "cli_test_support.hpp"
+
+#include "calibration/parameter_file.hpp"
+#include "sampledata/sample_data.hpp"
+#include "weathergen/simulation_files.hpp"
+
+#include <gtest/gtest.h>
+
+using namespace varo;
+using varo::testing::fileExists;
+using varo::testing::readFile;
+using varo::testing::TempDir;
+
+namespace {
+
+long countLines(const std::string& path) {
+    const std::string text = readFile(path);
+    return static_cast<long>(std::count(text.begin(), text.end(), '\n'));
+}
+
+} // namespace
+
+// The whole chain on six years of sample data: every step leaves its files, they parse,
+// and the temperature model recovers the relation the sample was made with.
+TEST(CliDemo, ShortChainWritesEveryStepsFilesAndRecoversTheKnownRelation) {
+    TempDir dir;
+    const std::string folder = dir.path("demo");
+    const auto run = varo::testing::runVaro(dir, {"demo", folder, "--short"});
+    ASSERT_EQ(run.exitCode, 0) << run.err;
+    EXPECT_NE(run.out.find("$ varo --set ModelTransformation=2 calibrate"), std::string::npos);
+    EXPECT_NE(run.out.find("Projected change"), std::string::npos);
+    const auto path = [&](const std::string& name) { return folder + "/" + name; };
+
+    // Sample data and the demo's own settings file.
+    EXPECT_EQ(countLines(path("precip.dat")), 6 * 365 + 1);
+    EXPECT_NE(readFile(path("VARO.INI")).find("RandomSeed=False"), std::string::npos);
+    EXPECT_NE(readFile(path("screening.txt")).find("CORRELATION MATRIX"), std::string::npos);
+
+    // Models.
+    const auto rain = calibration::readParameterFile(path("precip.PAR"));
+    EXPECT_TRUE(rain.conditional);
+    EXPECT_EQ(rain.transformation, 2.0f);
+    EXPECT_EQ(rain.predictorCount(), 4);
+    const auto tmax = calibration::readParameterFile(path("tmax.PAR"));
+    EXPECT_FALSE(tmax.conditional);
+    ASSERT_EQ(tmax.predictorNames, (std::vector<std::string>{"temp.dat", "p500.dat", "r850.dat"}));
+    // Six years give about 180 days a month: each month's coefficients lie within a few
+    // standard errors of the known ones, and their mean much closer.
+    double temp = 0.0;
+    double p500 = 0.0;
+    double r850 = 0.0;
+    for (const auto& month : tmax.months) {
+        EXPECT_NEAR(month.coefficients[0], sampledata::TmaxIntercept, 0.6);
+        EXPECT_NEAR(month.coefficients[1], sampledata::TmaxOnTemp, 1.0);
+        EXPECT_NEAR(month.standardError, sampledata::TmaxNoise, 0.2);
+        temp += month.coefficients[1] / 12.0;
+        p500 += month.coefficients[2] / 12.0;
+        r850 += month.coefficients[3] / 12.0;
+    }
+    EXPECT_NEAR(temp, sampledata::TmaxOnTemp, 0.25);
+    EXPECT_NEAR(p500, sampledata::TmaxOnP500, 0.2);
+    EXPECT_NEAR(r850, sampledata::TmaxOnR850, 0.15);
+
+    // Generated series: five members a day, with their descriptions.
+    for (const char* model : {"precip", "tmax"}) {
+        const auto observed =
+            weathergen::readSimulationDescription(path(std::string(model) + "-observed.SIM"));
+        EXPECT_EQ(observed.ensembleSize, 5);
+        EXPECT_EQ(observed.yearIndicator, 366);
+        EXPECT_EQ(countLines(path(std::string(model) + "-observed.OUT")), observed.fitLength);
+        const auto projected =
+            weathergen::readSimulationDescription(path(std::string(model) + "-model.SIM"));
+        EXPECT_EQ(projected.yearIndicator, 360);
+        EXPECT_EQ(projected.fitLength, 139 * 360);
+        EXPECT_EQ(countLines(path(std::string(model) + "-model.OUT")), projected.fitLength);
+    }
+
+    // Results files.
+    for (const char* results :
+         {"precip-observed-stats.txt", "precip-modelled-stats.txt", "tmax-observed-stats.txt",
+          "tmax-modelled-stats.txt", "precip-change.txt", "tmax-change.txt"}) {
+        EXPECT_EQ(readFile(path(results)).rfind("SUMMARY STATISTICS FOR: ", 0), 0u) << results;
+    }
+    EXPECT_NE(readFile(path("tmax-change.txt")).find("T Test Results"), std::string::npos);
+
+    // The climate model's warming comes through: the summary's change of maximum
+    // temperature by 2071-2099, in deg C, lies near the known shift of its predictors.
+    const size_t late = run.out.find("  2071-2099");
+    ASSERT_NE(late, std::string::npos);
+    const std::string line = run.out.substr(late, run.out.find('\n', late) - late);
+    const double warming = std::stod(line.substr(line.rfind('%') + 1));
+    EXPECT_GT(warming, 1.5) << line;
+    EXPECT_LT(warming, 4.0) << line;
+}
+
+TEST(CliDemo, UnwritableFolderFailsWithItsMessage) {
+    TempDir dir;
+    const auto run = varo::testing::runVaro(dir, {"demo", "/proc/varo-demo-here", "--short"});
+    EXPECT_EQ(run.exitCode, 1);
+    EXPECT_NE(run.err.find("/proc/varo-demo-here"), std::string::npos);
+}
