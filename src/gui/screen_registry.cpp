@@ -1,5 +1,6 @@
 #include "gui/screen_registry.hpp"
 
+#include "gui/analyse_widget.hpp"
 #include "gui/calibrate_widget.hpp"
 #include "gui/quality_widget.hpp"
 #include "gui/screen_vars_widget.hpp"
@@ -17,6 +18,7 @@ const std::map<screens::ScreenKey, ScreenFactory>& screenFactories() {
         {ScreenKey::Calibrate, [](ScreenContext& context) { return new CalibrateWidget(context); }},
         {ScreenKey::WeatherGen,
          [](ScreenContext& context) { return new SynthesizeWidget(context); }},
+        {ScreenKey::AnalyseData, [](ScreenContext& context) { return new AnalyseWidget(context); }},
     };
     return factories;
 }

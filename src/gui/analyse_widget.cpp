@@ -1,0 +1,184 @@
+#include "gui/analyse_widget.hpp"
+
+#include "gui/stats_select_widget.hpp"
+#include "statistics/statistic_columns.hpp"
+
+#include <QButtonGroup>
+#include <QCheckBox>
+#include <QFormLayout>
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QRadioButton>
+
+namespace varo::gui {
+
+namespace {
+
+QString qt(const std::string& text) {
+    return QString::fromStdString(text);
+}
+
+// A row of a button that picks a file and a label that shows it.
+QLabel* fileRow(QWidget* owner, QGridLayout* grid, int row, const QString& caption,
+                const QString& buttonName, const QString& labelName,
+                const std::function<void()>& pick) {
+    auto* button = new QPushButton(caption, owner);
+    button->setObjectName(buttonName);
+    auto* label = new QLabel(owner);
+    label->setObjectName(labelName);
+    label->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    grid->addWidget(button, row, 0);
+    grid->addWidget(label, row, 1);
+    QObject::connect(button, &QPushButton::clicked, owner, pick);
+    return label;
+}
+
+} // namespace
+
+AnalyseWidget::AnalyseWidget(ScreenContext& context, QWidget* parent)
+    : ScreenWidget(context, "Summary Statistics", parent), record_(context.state) {
+    screens::Dialogs& dialogs = context_.dialogs;
+    addKey("Analyse", "tb1Analyse", [this] { analyse(); });
+    addKey("Statistics...", "tb1StatsSelect", [this] { selectStatistics(); });
+    addKey("View Details", "tb1Details", [this] {
+        record_.showFileDetails(context_.dialogs);
+        showRecord();
+    });
+    addKey("Settings", "tb1Settings", [this] { context_.openSettings(); });
+
+    auto* files = new QGroupBox("Files", this);
+    auto* fileGrid = new QGridLayout(files);
+    auto* sourceRow = new QHBoxLayout();
+    source_ = new QButtonGroup(this);
+    const char* sources[] = {"Observed", "Modelled"};
+    for (int id = 0; id < 2; ++id) {
+        auto* option = new QRadioButton(sources[id], files);
+        option->setObjectName(QString("SourceButton%1").arg(id));
+        source_->addButton(option, id);
+        sourceRow->addWidget(option);
+    }
+    sourceRow->addStretch(1);
+    fileGrid->addLayout(sourceRow, 0, 0, 1, 2);
+    connect(source_, &QButtonGroup::idClicked, this, [this](int id) {
+        record_.sourceButton = id == 0 ? screens::AnalyseScreen::Source::Observed
+                                       : screens::AnalyseScreen::Source::Modelled;
+    });
+    inputFile_ =
+        fileRow(this, fileGrid, 1, "Select Data File", "SelectInputFile", "InputFileText", [this] {
+            record_.pickInputFile(context_.dialogs);
+            showRecord();
+        });
+    saveFile_ =
+        fileRow(this, fileGrid, 2, "Save Summary File", "SaveButton", "SaveFileText", [this] {
+            record_.pickSaveFile(context_.dialogs);
+            showRecord();
+        });
+    fileGrid->setColumnStretch(1, 1);
+    content()->addWidget(files);
+
+    auto* middle = new QHBoxLayout();
+    auto* period = new QGroupBox("Analysis Period", this);
+    auto* periodForm = new QFormLayout(period);
+    periodForm->addRow("Start date:",
+                       bindField("StartDateText", record_.startDateText, [this, &dialogs] {
+                           const bool ok = record_.checkStartDate(dialogs);
+                           showRecord();
+                           return ok;
+                       }));
+    periodForm->addRow("End date:", bindField("EndDateText", record_.endDateText, [this, &dialogs] {
+                           const bool ok = record_.checkEndDate(dialogs);
+                           showRecord();
+                           return ok;
+                       }));
+    QLineEdit* days = resultField("NoOfDaysText", period);
+    periodForm->addRow("Days:", days);
+    shown_.emplace_back(days, &record_.noOfDaysText);
+    delta_ = new QCheckBox("Delta statistics for the base period and Periods A, B and C", period);
+    delta_->setObjectName("DeltaCheck");
+    periodForm->addRow(delta_);
+    connect(delta_, &QCheckBox::toggled, this, [this](bool on) { record_.deltaCheck = on; });
+    middle->addWidget(period);
+
+    auto* ensemble = new QGroupBox("Ensemble", this);
+    auto* ensembleForm = new QFormLayout(ensemble);
+    ensembleForm->addRow("Ensemble member:",
+                         bindField("EnsembleNumber", record_.ensembleNumber, [this, &dialogs] {
+                             return record_.checkEnsembleNumber(dialogs);
+                         }));
+    ensembleMean_ = new QCheckBox("Ensemble mean", ensemble);
+    ensembleMean_->setObjectName("EnsembleMeanCheck");
+    ensembleForm->addRow(ensembleMean_);
+    connect(ensembleMean_, &QCheckBox::toggled, this,
+            [this](bool on) { record_.ensembleMeanCheck = on; });
+    middle->addWidget(ensemble);
+
+    auto* details = new QGroupBox("Scenario File Details", this);
+    auto* detailsForm = new QFormLayout(details);
+    const std::pair<const char*, std::pair<const char*, std::string*>> rows[] = {
+        {"Predictors:", {"FileNPredictors", &record_.fileNPredictors}},
+        {"Season code:", {"FileSeasonCode", &record_.fileSeasonCode}},
+        {"Year length:", {"FileYearLength", &record_.fileYearLength}},
+        {"Days:", {"FileNDays", &record_.fileNDays}},
+        {"Ensemble size:", {"FileEnsembleSize", &record_.fileEnsembleSize}},
+        {"Start date:", {"FileStartDate", &record_.fileStartDate}},
+    };
+    for (const auto& [caption, field] : rows) {
+        QLineEdit* edit = resultField(field.first, details);
+        detailsForm->addRow(caption, edit);
+        shown_.emplace_back(edit, field.second);
+    }
+    middle->addWidget(details);
+    content()->addLayout(middle);
+
+    selection_ = new QLabel(this);
+    selection_->setObjectName("SelectedStatistics");
+    selection_->setWordWrap(true);
+    content()->addWidget(selection_);
+    content()->addStretch(1);
+    showRecord();
+}
+
+void AnalyseWidget::showSelection() {
+    QStringList names;
+    for (int c = 1; c <= statistics::StatisticCount; ++c) {
+        if (core::statisticSelected(context_.state, c)) {
+            names << qt(context_.state.statisticTable[static_cast<size_t>(c - 1)].name);
+        }
+    }
+    selection_->setText("Statistics: " + (names.isEmpty() ? QString("none") : names.join(", ")));
+}
+
+void AnalyseWidget::showRecord() {
+    source_->button(record_.sourceButton == screens::AnalyseScreen::Source::Observed ? 0 : 1)
+        ->setChecked(true);
+    inputFile_->setText(record_.inputFileText.empty() ? QString("Not selected")
+                                                      : qt(record_.inputFileText));
+    saveFile_->setText(record_.saveFileText.empty() ? QString("Not selected")
+                                                    : qt(record_.saveFileText));
+    ensembleMean_->setChecked(record_.ensembleMeanCheck);
+    delta_->setChecked(record_.deltaCheck);
+    for (const auto& [edit, text] : shown_) {
+        edit->setText(qt(*text));
+    }
+    showFields();
+    showSelection();
+}
+
+void AnalyseWidget::selectStatistics() {
+    StatsSelectDialog dialog(context_, this);
+    dialog.exec();
+    showSelection();
+}
+
+void AnalyseWidget::analyse() {
+    runLong([this](core::Progress& progress) {
+        record_.run(context_.dialogs, progress);
+        showRecord();
+    });
+}
+
+} // namespace varo::gui
