@@ -13,6 +13,7 @@ HelpViewer::HelpViewer(QWidget* parent) : QDialog(parent) {
     auto* layout = new QVBoxLayout(this);
     auto* browser = new QTextBrowser(this);
     browser->setOpenExternalLinks(true);
+    browser->setSearchPaths({":/help"});
     QFile guide(":/help/user-guide.md");
     if (guide.open(QIODevice::ReadOnly)) {
         browser->setMarkdown(QString::fromUtf8(guide.readAll()));
