@@ -1,5 +1,6 @@
 #include "gui/app.hpp"
 
+#include "gui/help_viewer.hpp"
 #include "gui/main_window.hpp"
 #include "gui/settings_widget.hpp"
 #include "screens/navigation.hpp"
@@ -22,6 +23,9 @@ bool showNamedScreen(MainWindow& window, const QString& name) {
     if (name == "home") {
         return true;
     }
+    if (name == "help") {
+        return true;
+    }
     if (name == "settings" || name == "advsettings") {
         window.openSettings();
         return true;
@@ -37,9 +41,10 @@ bool showNamedScreen(MainWindow& window, const QString& name) {
 bool saveScreenshot(MainWindow& window, const QString& name, const QString& file) {
     window.show();
     QApplication::processEvents();
-    if (name == "advsettings") {
-        // The dialog is modal on the desktop; here it is shown without waiting, drawn and closed.
-        QDialog* dialog = window.advancedSettingsDialog();
+    if (name == "advsettings" || name == "help") {
+        // The dialogs are shown without waiting, drawn and closed.
+        QDialog* dialog = name == "help" ? static_cast<QDialog*>(new HelpViewer(&window))
+                                         : window.advancedSettingsDialog();
         dialog->show();
         QApplication::processEvents();
         const bool saved = dialog->grab().save(file, "PNG");

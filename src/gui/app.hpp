@@ -12,7 +12,7 @@ class MainWindow;
 int runDesktop(QApplication& app);
 
 // Shows the screen named by a toolbar short name ("quality", "calibrate", ...) or one of
-// "intro", "home", "settings", "advsettings"; false when there is no such screen.
+// "intro", "home", "settings", "advsettings", "help"; false when there is no such screen.
 bool showNamedScreen(MainWindow& window, const QString& name);
 
 // Renders the window (or the advanced settings dialog) to a PNG file.

@@ -4,9 +4,13 @@
 #include <QTextBrowser>
 #include <QVBoxLayout>
 
+// The guide is compiled into a static library, whose resources a program must ask for.
+static void loadHelpResource() { Q_INIT_RESOURCE(help); }
+
 namespace varo::gui {
 
 HelpViewer::HelpViewer(QWidget* parent) : QDialog(parent) {
+    loadHelpResource();
     setWindowTitle("VARO Help");
     setObjectName("HelpViewer");
     resize(900, 700);

@@ -1,11 +1,13 @@
 #include "gui_test_support.hpp"
 
 #include "core/failure.hpp"
+#include "gui/help_viewer.hpp"
 #include "gui/progress_bar.hpp"
 #include "gui/quality_widget.hpp"
 
 #include <QAction>
 #include <QKeyEvent>
+#include <QTextBrowser>
 #include <QThread>
 
 using namespace varo;
@@ -93,4 +95,12 @@ TEST_F(GuiFixture, SettingsBackRefreshesTheScreenBelow) {
     click("menuBack");
     EXPECT_EQ(window->currentPage(), window->currentScreen());
     EXPECT_EQ(text("MissingCode"), "-99");
+}
+
+TEST_F(GuiFixture, HelpViewerShowsTheBuiltInGuide) {
+    gui::HelpViewer viewer(window.get());
+    auto* browser = viewer.findChild<QTextBrowser*>();
+    ASSERT_NE(browser, nullptr);
+    EXPECT_NE(browser->toPlainText().indexOf("VARO user guide"), -1);
+    EXPECT_NE(browser->toPlainText().indexOf("A first run: the sample data"), -1);
 }
