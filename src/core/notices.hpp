@@ -18,6 +18,9 @@ public:
     // A box with the title and text and a warning (or information) icon.
     virtual void warning(std::string_view title, std::string_view text) = 0;
     virtual void information(std::string_view title, std::string_view text) = 0;
+    // A box titled "Error Message" for a problem that does not stop the run (a part of the
+    // results that cannot be computed). Without an override it goes out as a warning.
+    virtual void error(std::string_view text) { warning("Error Message", text); }
 };
 
 // Keeps nothing; for runs whose warnings nobody reads (benchmarks, some tests).

@@ -44,6 +44,7 @@ public:
     void information(std::string_view title, std::string_view text) override {
         dialogs_.message(title, text, Icon::Information);
     }
+    void error(std::string_view text) override { dialogs_.error(text); }
 
 private:
     Dialogs& dialogs_;

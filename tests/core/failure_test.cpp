@@ -1,4 +1,5 @@
 #include "core/failure.hpp"
+#include "core/notices.hpp"
 #include "core/progress.hpp"
 
 #include <gtest/gtest.h>
@@ -49,4 +50,21 @@ TEST(Progress, ThrowIfStoppedThrowsCancelledOnceAfterARequest) {
     progress.flag.request();
     EXPECT_THROW(progress.throwIfStopped(), Cancelled);
     EXPECT_NO_THROW(progress.throwIfStopped());
+}
+
+namespace {
+class WarningsOnly final : public varo::core::Notifier {
+public:
+    void warning(std::string_view title, std::string_view text) override {
+        shown = std::string(title) + ": " + std::string(text);
+    }
+    void information(std::string_view, std::string_view) override {}
+    std::string shown;
+};
+} // namespace
+
+TEST(Notifier, AnErrorThatDoesNotStopARunIsAWarningTitledErrorMessage) {
+    WarningsOnly notifier;
+    notifier.error("Part of the results cannot be computed.");
+    EXPECT_EQ(notifier.shown, "Error Message: Part of the results cannot be computed.");
 }
