@@ -1,5 +1,6 @@
 #include "calibration/calibrate_driver.hpp"
 
+#include "calibration/cross_validation.hpp"
 #include "calibration/model_transforms.hpp"
 #include "calibration/stepwise.hpp"
 #include "core/failure.hpp"
@@ -31,10 +32,17 @@ public:
                 throw core::RunStopped(InsufficientDataText);
             }
         }
+        if (request_.crossValidationFolds > 0) {
+            crossValidation_.emplace(request_.crossValidationFolds, missing_,
+                                     environment_.notifier);
+        }
         for (int group = 1; group <= cube.groups(); ++group) {
             fitGroup(cube, group);
         }
         fillHeader();
+        if (crossValidation_) {
+            results_.crossValidation = crossValidation_->table();
+        }
         results_.dependencyWarned = environment_.dependencyWarned;
         return std::move(results_);
     }
@@ -73,6 +81,9 @@ private:
         MatrixObject yCopy = design.y.clone();
         if (request_.conditional) {
             makeOccurrence(design.y, state_.thresh);
+        }
+        if (crossValidation_) {
+            crossValidation_->validate(design.x, design.y, request_.conditional, months);
         }
         if (state_.applyStepwise) {
             chooseStepwise(design.x, design.y);
@@ -120,6 +131,9 @@ private:
             x.resize(x.rows(), x.columns() - 1);
         }
         keepWetDays(x, y, state_.thresh);
+        if (crossValidation_) {
+            crossValidation_->validateAmounts(x, y, code_, months);
+        }
         const AmountTransform transform = applyModelTransformation(
             x, y, code_, missing_, groupName(state_, request_.data.modelType, group));
         ScoreOptions options;
@@ -183,6 +197,7 @@ private:
     int code_;
     double missing_;
     std::vector<std::string> fileList_;
+    std::optional<CrossValidation> crossValidation_;
     CalibrationResults results_;
 };
 

@@ -20,11 +20,19 @@
 #include "calibration/parameter_file.hpp"
 #include "calibration/regression.hpp"
 
+#include <optional>
+
 #include <array>
 #include <string>
 #include <vector>
 
 namespace varo::calibration {
+
+// Rows by metric (1 to 6, stored 0 to 5), columns by month (0 to 11) and the mean (12).
+// Unconditional: SE, Spearman, Bias, RSquared, D-Watson. Occurrence: Prop Correct in the
+// first row, SE in the fifth, RSquared in the sixth; the amounts of a conditional model
+// take the free rows: Spearman in the second, SE in the third, RSquared in the fourth.
+using CrossValidationTable = std::array<std::array<double, 13>, 6>;
 
 inline constexpr const char* InsufficientDataText = "Insufficient data available to build a model.";
 inline constexpr const char* CalibratingCaption = "Calibrating Model";
@@ -38,6 +46,7 @@ struct CalibrationRequest {
     bool conditional = false;
     bool autoregression = false;
     bool includeChow = false;
+    int crossValidationFolds = 0; // 0: no cross validation
 };
 
 // One row of the report: a month of the main (occurrence) model or of the amount model.
@@ -56,6 +65,7 @@ struct CalibrationResults {
     std::array<MonthStatistics, 24> statistics{};
     std::vector<ResidualPair> residualPairs; // of the amount fits in a conditional model
     bool dependencyWarned = false;
+    std::optional<CrossValidationTable> crossValidation; // when it was asked for
 };
 
 // Runs a calibration. `meanRatio` holds the mean ratio of each month (January first): the

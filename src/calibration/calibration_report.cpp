@@ -174,6 +174,31 @@ CalibrationReport buildReport(const core::ProgramState& state, const Calibration
     return report;
 }
 
+ResidualHistogram residualHistogram(const std::vector<ResidualPair>& pairs, int bars) {
+    ResidualHistogram histogram;
+    // The starting bounds matter only when there are no residuals.
+    histogram.minimum = 1000.0;
+    histogram.maximum = -1000.0;
+    for (const ResidualPair& pair : pairs) {
+        histogram.minimum = std::min(histogram.minimum, pair.residual);
+        histogram.maximum = std::max(histogram.maximum, pair.residual);
+    }
+    const double step = (histogram.maximum - histogram.minimum) / bars;
+    static const core::NumberFormat format("####0.000");
+    histogram.counts.assign(static_cast<size_t>(bars), 0);
+    for (int i = 1; i <= bars; ++i) {
+        const double lower = histogram.minimum + step * (i - 1);
+        histogram.labels.push_back(format.format(i == bars ? histogram.maximum : lower));
+        const double upper = lower + step;
+        for (const ResidualPair& pair : pairs) {
+            if (pair.residual >= lower && pair.residual < upper) {
+                ++histogram.counts[static_cast<size_t>(i - 1)];
+            }
+        }
+    }
+    return histogram;
+}
+
 namespace {
 
 void appendCell(std::string& line, const std::string& text) {

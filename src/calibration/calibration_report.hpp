@@ -22,11 +22,6 @@
 
 namespace varo::calibration {
 
-// Rows by metric (1 to 6, stored 0 to 5), columns by month (0 to 11) and the mean (12).
-// Unconditional: SE, Spearman, Bias, RSquared, D-Watson. Occurrence: Prop Correct, -, -, -,
-// SE, RSquared.
-using CrossValidationTable = std::array<std::array<double, 13>, 6>;
-
 // The critical value of the Chow statistic for a fit of n days on k predictors.
 double chowCriticalValue(int days, int predictors);
 
@@ -62,6 +57,19 @@ CalibrationReport buildReport(const core::ProgramState& state, const Calibration
 // The report as lines of text with columns 14 characters wide; a marked Chow value is
 // followed by "*" and a note under the tables says what the mark means.
 std::string reportText(const CalibrationReport& report);
+
+// The residual histogram of B bars (5 to 100) for the chart: the range of the residuals cut
+// into B equal steps, each bar labelled "####0.000" with its lower edge (the last with the
+// maximum). A residual counts in a bar when it is at or above the lower edge and below the
+// upper edge, so the largest residual itself may fall in no bar.
+struct ResidualHistogram {
+    std::vector<std::string> labels;
+    std::vector<int> counts;
+    double minimum = 0.0;
+    double maximum = 0.0;
+};
+
+ResidualHistogram residualHistogram(const std::vector<ResidualPair>& pairs, int bars);
 
 inline constexpr const char* AboveCriticalNote = "* Chow statistic above its critical value.";
 

@@ -24,6 +24,7 @@ struct CalibrateOptions {
     std::optional<std::string> fitEnd;
     bool autoregression = false;
     bool chow = false;
+    std::optional<std::string> folds;
     bool yes = false;
 };
 
@@ -58,6 +59,23 @@ nlohmann::ordered_json monthRows(const core::ProgramState& state,
     return rows;
 }
 
+// The cross-validation metrics of a stage by name and row of the table.
+nlohmann::ordered_json
+crossValidationRows(const core::ProgramState& state, const calibration::CrossValidationTable& table,
+                    const std::vector<std::pair<const char*, int>>& metrics) {
+    const double missing = state.globalMissingCode;
+    nlohmann::ordered_json rows = nlohmann::ordered_json::array();
+    for (size_t m = 0; m < 12; ++m) {
+        nlohmann::ordered_json month;
+        month["month"] = state.periodNames[m + 1];
+        for (const auto& [name, row] : metrics) {
+            month[name] = number(table[static_cast<size_t>(row)][m], missing);
+        }
+        rows.push_back(std::move(month));
+    }
+    return rows;
+}
+
 nlohmann::ordered_json jsonReport(const core::ProgramState& state, const Screen& screen,
                                   const CalibrateOptions& options,
                                   const std::vector<std::string>& warnings) {
@@ -76,6 +94,23 @@ nlohmann::ordered_json jsonReport(const core::ProgramState& state, const Screen&
                                    screen.includeChow);
     if (conditional) {
         document["amounts"] = monthRows(state, results, 12, nullptr, screen.includeChow);
+    }
+    if (results.crossValidation) {
+        const auto& table = *results.crossValidation;
+        document["crossValidation"] =
+            conditional
+                ? crossValidationRows(state, table,
+                                      {{"propCorrect", 0}, {"standardError", 4}, {"rSquared", 5}})
+                : crossValidationRows(state, table,
+                                      {{"rSquared", 3},
+                                       {"standardError", 0},
+                                       {"durbinWatson", 4},
+                                       {"spearman", 1},
+                                       {"bias", 2}});
+        if (conditional) {
+            document["amountCrossValidation"] = crossValidationRows(
+                state, table, {{"rSquared", 3}, {"standardError", 2}, {"spearman", 1}});
+        }
     }
     document["warnings"] = warnings;
     return document;
@@ -105,6 +140,10 @@ int runCalibrate(CliContext& context, CalibrateOptions& options) {
     screen.parmOpt = options.process == "conditional" ? Screen::Conditional : Screen::Unconditional;
     screen.autoRegressionCheck = options.autoregression;
     screen.includeChow = options.chow;
+    if (options.folds) {
+        screen.xValidationCheck = true;
+        screen.noOfFoldsText.text = *options.folds;
+    }
     if (options.fitStart) {
         screen.fsDate.text = *options.fitStart;
     }
@@ -150,6 +189,8 @@ void addCalibrateCommand(CLI::App& app, CliContext& context, CommandResult& resu
     calibrate->add_flag("--autoregression", options->autoregression,
                         "Include the lag term (the previous day's predictand)");
     calibrate->add_flag("--chow", options->chow, "Calculate the Chow statistic");
+    calibrate->add_option("--cross-validation", options->folds,
+                          "Cross-validate each group with this many folds (2 to 10)");
     calibrate->add_flag("--yes", options->yes,
                         "Answer Yes to the question before a stepwise search");
     calibrate->callback([&, options] { result.exitCode = runCalibrate(context, *options); });

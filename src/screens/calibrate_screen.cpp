@@ -248,10 +248,6 @@ bool CalibrateScreen::checkInputs(Dialogs& dialogs) {
         !checkFolds(dialogs) || !checkHistogramCategories(dialogs)) {
         return false;
     }
-    if (xValidationCheck) {
-        return refuse("Cross validation is not available in this version. Please untick it "
-                      "to calibrate.");
-    }
     if (stepwise && autoRegressionCheck) {
         // The search would weigh the lag term as one of the named predictors, and the
         // parameter file has no way to say which were kept.
@@ -273,6 +269,10 @@ calibration::CalibrationRequest CalibrateScreen::request() const {
     r.conditional = parmOpt == Conditional;
     r.autoregression = autoRegressionCheck;
     r.includeChow = includeChow;
+    r.crossValidationFolds =
+        xValidationCheck
+            ? static_cast<int>(core::roundHalfEven(core::leadingNumber(noOfFoldsText.text)))
+            : 0;
     return r;
 }
 
@@ -300,6 +300,7 @@ RunOutcome CalibrateScreen::calibrate(Dialogs& dialogs, core::Progress& progress
                 options.conditional = calibrationRequest.conditional;
                 options.autoregression = calibrationRequest.autoregression;
                 options.includeChow = calibrationRequest.includeChow;
+                options.crossValidation = found.crossValidation;
                 report = calibration::buildReport(state_, found, options);
                 results = std::move(found);
             } catch (const calibration::SilentStop& stop) {

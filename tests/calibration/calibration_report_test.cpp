@@ -134,3 +134,19 @@ TEST(CalibrationReport, CrossValidationColumnsSitRightOfTheFitAndMayBeAllMissing
                                       "Cross Validation Results\n"),
               std::string::npos);
 }
+
+TEST(ResidualHistogram, EqualStepsLabelledByTheirLowerEdgeAndTheLargestInNoBar) {
+    std::vector<ResidualPair> pairs;
+    for (double residual : {-2.0, -1.5, -0.25, 0.0, 0.5, 1.0, 2.9, 3.0}) {
+        pairs.push_back({0.0, residual});
+    }
+    const ResidualHistogram histogram = residualHistogram(pairs, 5);
+    EXPECT_EQ(histogram.labels,
+              (std::vector<std::string>{"-2.000", "-1.000", "0.000", "1.000", "3.000"}));
+    // Bars [-2,-1) [-1,0) [0,1) [1,2) [2,3): 3.0 falls in none.
+    EXPECT_EQ(histogram.counts, (std::vector<int>{2, 1, 2, 1, 1}));
+    const ResidualHistogram empty = residualHistogram({}, 100);
+    EXPECT_EQ(empty.labels.front(), "1000.000");
+    EXPECT_EQ(empty.labels.back(), "-1000.000");
+    EXPECT_EQ(empty.counts, std::vector<int>(100, 0));
+}

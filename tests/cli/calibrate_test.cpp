@@ -77,6 +77,35 @@ TEST(CliCalibrate, ConditionalReportAndJson) {
     ASSERT_EQ(report["amounts"].size(), 12u);
     EXPECT_GT(report["amounts"][5]["rSquared"].get<double>(), 0.0);
     EXPECT_TRUE(report["warnings"].empty());
+    EXPECT_FALSE(report.contains("crossValidation"));
+}
+
+TEST(CliCalibrate, CrossValidationAddsColumnsAndItsMessagesDoNotStopTheRun) {
+    TempDir dir;
+    const auto par = dir.path("CV.PAR");
+    const auto text = runVaro(dir, calibrateArgs(par, {"--cross-validation", "5"}));
+    ASSERT_EQ(text.exitCode, 0) << text.err;
+    EXPECT_TRUE(contains(text.out, "Unconditional Statistics" + std::string(32, ' ') +
+                                       "Cross Validation Results\n"))
+        << text.out;
+    EXPECT_TRUE(contains(text.out, "D-Watson      RSquared      SE            D-Watson      "
+                                   "Spearman      Bias\n"));
+
+    auto args = calibrateArgs(
+        par, {"--process", "conditional", "--cross-validation", "10", "--fit-end", "31/12/1961"});
+    args.insert(args.begin(), "--json");
+    const auto json = runVaro(dir, args);
+    ASSERT_EQ(json.exitCode, 0) << json.err;
+    EXPECT_EQ(json.err, "Error Message: Sorry - insufficient data for all cross validation "
+                        "metrics to be calculated.\n");
+    const auto report = nlohmann::json::parse(json.out);
+    EXPECT_TRUE(report["crossValidation"][0]["propCorrect"].is_null());
+    EXPECT_TRUE(report["amountCrossValidation"][0]["spearman"].is_null());
+
+    const auto refused = runVaro(dir, calibrateArgs(par, {"--cross-validation", "11"}));
+    EXPECT_EQ(refused.exitCode, 2);
+    EXPECT_EQ(refused.err,
+              "Error Message: Number of folds cannot be less than 2 or greater than 10.\n");
 }
 
 TEST(CliCalibrate, TheWeatherGeneratorRunsTheModel) {

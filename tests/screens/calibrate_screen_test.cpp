@@ -157,9 +157,8 @@ TEST(CalibrateScreen, ChecksRunInOrderAndStopAtTheFirst) {
               "You must select an appropriate PAR file name to save data to.");
     EXPECT_EQ(refusal([](auto& s) { s.histogramCatsText.text = "4"; }),
               "Histogram catgeories cannot be less than 5 or greater than 100.");
-    EXPECT_EQ(refusal([](auto& s) { s.xValidationCheck = true; }),
-              "Cross validation is not available in this version. Please untick it to "
-              "calibrate.");
+    EXPECT_EQ(refusal([](auto& s) { s.noOfFoldsText.text = "1"; }),
+              "Number of folds cannot be less than 2 or greater than 10.");
 
     state.applyStepwise = true;
     std::vector<std::string> nine(9, Data + "/mslp.dat");
