@@ -76,7 +76,7 @@ public:
     void solve(FitEnvironment& environment) {
         for (;;) {
             environment.yield();
-            const int pc = enteringColumn();
+            const int pc = nextEntering_ >= 0 ? nextEntering_ : enteringColumn();
             if (pc == 0) {
                 return;
             }
@@ -175,6 +175,7 @@ private:
 
     // The entering variable moves to its other bound without a change of basis.
     void flip(int pc, double q) {
+        nextEntering_ = -1;
         colId_[pc] = -colId_[pc];
         for (int i = 1; i <= k_ + 1; ++i) {
             at(i, 1) += q * at(i, pc);
@@ -201,13 +202,24 @@ private:
             pivotRow_[c] = s * source[c];
         }
         pivotRow_[static_cast<size_t>(pc - 1)] = 0.0;
+        // The reduced costs of a block are searched for the next entering column while the
+        // block is at hand; blocks come in column order, so the first of equals still wins.
         constexpr size_t BlockWidth = 2048;
+        nextEntering_ = 0;
+        double smallest = -SimplexTolerance;
+        const double* costs = &at(k_ + 1, 1);
         for (size_t first = 0; first < width_; first += BlockWidth) {
             const size_t length = std::min(BlockWidth, width_ - first);
             for (int i = 1; i <= k_ + 1; ++i) {
                 if (i != r) {
                     subtractMultiple(&at(i, 1) + first, pivotRow_.data() + first, at(i, pc),
                                      length);
+                }
+            }
+            for (size_t c = std::max<size_t>(first, 1); c < first + length; ++c) {
+                if (costs[c] < smallest) {
+                    smallest = costs[c];
+                    nextEntering_ = static_cast<int>(c) + 1;
                 }
             }
         }
@@ -229,6 +241,7 @@ private:
     std::vector<int> colId_;
     std::vector<double> cost_;
     double ybar_;
+    int nextEntering_ = -1; // found by the last pivot; -1 when the search must run again
 };
 
 } // namespace
