@@ -1,7 +1,9 @@
 #include "statistics/statistics_engine.hpp"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
+#include <cstdint>
 #include <memory>
 #include <span>
 
@@ -21,6 +23,14 @@ struct Counting {
 
     bool counted(Kind kind) const { return wetFilter ? kind == Kind::Wet : isReal(kind); }
 };
+
+// `value` when `keep`, else `other`, chosen without a branch (the bits are masked, so the
+// value passes unchanged).
+double choose(bool keep, double value, double other) {
+    const std::uint64_t mask = std::uint64_t{0} - static_cast<std::uint64_t>(keep);
+    return std::bit_cast<double>((std::bit_cast<std::uint64_t>(value) & mask) |
+                                 (std::bit_cast<std::uint64_t>(other) & ~mask));
+}
 
 bool rowActive(const Kinds& kinds) {
     return std::any_of(kinds.begin(), kinds.end(), [](Kind kind) { return isReal(kind); });
@@ -78,12 +88,12 @@ void firstPass(const Values& values, const Kinds& kinds, int row, const EngineSe
     constexpr double MaximumStart = -999999.0;
     constexpr double MinimumStart = 999999.0;
     double sum = 0.0;
-    double count = 0.0;
     double maximum = MaximumStart;
     double minimum = MinimumStart;
-    double peaksOver = 0.0;
-    double peaksBelow = 0.0;
-    double dry = 0.0;
+    size_t count = 0;
+    size_t dry = 0;
+    size_t peaksOver = 0;
+    size_t peaksBelow = 0;
     // The peak counts are the only part of the pass worth skipping when not wanted.
     const bool peaks = anySelected(settings.selected, {column::Pot, column::Pbt});
     // Wet and dry days alternate at random, so the loop selects values instead of branching
@@ -92,25 +102,27 @@ void firstPass(const Values& values, const Kinds& kinds, int row, const EngineSe
         const Kind kind = kinds[i];
         const bool counted = counting.counted(kind);
         const double value = values[i];
-        dry += static_cast<double>(isReal(kind) && !counted);
-        sum += counted ? value : 0.0;
-        count += static_cast<double>(counted);
-        maximum = std::max(maximum, counted ? value : MaximumStart);
-        minimum = std::min(minimum, counted ? value : MinimumStart);
+        dry += static_cast<size_t>(isReal(kind) && !counted);
+        count += static_cast<size_t>(counted);
+        sum += choose(counted, value, 0.0);
+        maximum = std::max(maximum, choose(counted, value, MaximumStart));
+        minimum = std::min(minimum, choose(counted, value, MinimumStart));
         if (peaks) {
             const auto single = static_cast<float>(value);
-            peaksOver += static_cast<double>(counted && single >= settings.peaksOverThreshold);
-            peaksBelow += static_cast<double>(counted && single <= settings.peaksBelowThreshold);
+            peaksOver += static_cast<size_t>(counted && single >= settings.peaksOverThreshold);
+            peaksBelow += static_cast<size_t>(counted && single <= settings.peaksBelowThreshold);
         }
     }
-    cells[column::Mean] = count > 0.0 ? sum / count : missing;
+    const auto n = static_cast<double>(count);
+    const auto dryDays = static_cast<double>(dry);
+    cells[column::Mean] = count > 0 ? sum / n : missing;
     cells[column::Maximum] = maximum == MaximumStart ? missing : maximum;
     cells[column::Minimum] = minimum == MinimumStart ? missing : minimum;
-    cells[column::Pot] = peaksOver;
-    cells[column::Pbt] = peaksBelow;
+    cells[column::Pot] = static_cast<double>(peaksOver);
+    cells[column::Pbt] = static_cast<double>(peaksBelow);
     cells[column::Sum] = sum;
-    cells[column::Count] = count;
-    cells[column::WetDaysPercent] = count + dry > 0.0 ? count / (count + dry) : 0.0;
+    cells[column::Count] = n;
+    cells[column::WetDaysPercent] = count + dry > 0 ? n / (n + dryDays) : 0.0;
     if (needsRanges(settings.selected)) {
         blockRanges(values, kinds, counting, missing, cells[column::MaxRange],
                     cells[column::MinRange]);
@@ -242,21 +254,24 @@ SpellSummary summariseSpells(std::span<const int> lengths) {
     if (lengths.empty()) {
         return summary;
     }
-    const auto k = static_cast<double>(lengths.size());
-    double days = 0.0;
-    double persistentDays = 0.0;
+    // Day counts are whole numbers: summed as integers they are exact, as in doubles.
+    long days = 0;
+    long persistentDays = 0;
+    int longest = 0;
     for (const int length : lengths) {
         days += length;
         persistentDays += length > 1 ? length : 0;
-        summary.longest = std::max(summary.longest, static_cast<double>(length));
+        longest = std::max(longest, length);
     }
-    summary.mean = days / k;
+    const auto k = static_cast<double>(lengths.size());
+    summary.mean = static_cast<double>(days) / k;
+    summary.longest = longest;
     double squares = 0.0;
     for (const int length : lengths) {
         squares += (length - summary.mean) * (length - summary.mean);
     }
     summary.deviation = std::sqrt(squares / k);
-    summary.persistence = persistentDays / days;
+    summary.persistence = static_cast<double>(persistentDays) / static_cast<double>(days);
     return summary;
 }
 
