@@ -7,7 +7,10 @@
 #include "screens/analyse_screen.hpp"
 #include "screens/stats_select_screen.hpp"
 
+#include <algorithm>
+#include <cctype>
 #include <cmath>
+#include <functional>
 #include <optional>
 
 namespace varo::cli {
@@ -152,8 +155,10 @@ bool applySelection(CliContext& context, const StatsOptions& options) {
     return true;
 }
 
+// The extensions the summary statistics screen takes for a modelled file.
 bool endsInOut(const std::string& path) {
-    return path.size() >= 4 && lowerCase(path.substr(path.size() - 4)) == ".out";
+    const std::string last = path.size() >= 4 ? path.substr(path.size() - 4) : std::string();
+    return last == ".OUT" || last == ".out";
 }
 
 nlohmann::ordered_json jsonValue(double value, double missingCode) {
