@@ -207,13 +207,6 @@ TEST(Spells, AMissingDaySplitsAWetSpellAndMediansFollowTheCount) {
     EXPECT_EQ(none[1][column::WetSpell], 0.0); // an empty list gives 0
 }
 
-TEST(Spells, NotComputedWithoutASpellStatistic) {
-    // Wet-days% sets the wet filter, but no spell statistic asks for the pass.
-    const auto t =
-        compute(rowsWith({{1, {1.0, 1.0, BE, RE}}}), settingsFor({column::WetDaysPercent}));
-    EXPECT_EQ(t[1][column::WetSpell], 0.0);
-}
-
 TEST(Percentiles, ByTheInterpolationRuleOverCountedValues) {
     std::vector<double> list = {10.0, 3.0, 7.0, 1.0, Missing, 5.0, 2.0,
                                 BE,   9.0, 4.0, 8.0, 6.0,     BE,  RE};
