@@ -39,7 +39,7 @@ calibration::ParameterFile model(long days) {
     file.fitStart = "01/01/1961";
     file.fitDays = 3650;
     file.conditional = true;
-    file.transformation = static_cast<float>(calibration::BoxCoxTransformation);
+    file.transformation = static_cast<float>(core::TransformBoxCox);
     file.predictandName = "rain.dat";
     file.predictandPath = "C:\\DATA\\rain.dat";
     for (int i = 1; i <= Predictors; ++i) {

@@ -13,6 +13,8 @@
 // the command line and the tests; the desktop shows nothing).
 #pragma once
 
+#include "core/program_state.hpp"
+
 #include "calibration/matrix_object.hpp"
 
 #include <stdexcept>
@@ -20,13 +22,11 @@
 
 namespace varo::calibration {
 
-enum TransformationCode : int {
-    TransformNone = 1,
-    TransformFourthRoot = 2,
-    TransformLog = 3,
-    TransformInverseNormal = 4,
-    TransformBoxCox = 5,
-};
+using core::TransformBoxCox;
+using core::TransformFourthRoot;
+using core::TransformInverseNormal;
+using core::TransformLog;
+using core::TransformNone;
 
 // The code of the setting; values that are no code transform nothing.
 int transformationCode(float modelTransformation);

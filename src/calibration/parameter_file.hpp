@@ -23,13 +23,13 @@
 // its line must hold.
 #pragma once
 
+#include "core/program_state.hpp"
+
 #include <array>
 #include <string>
 #include <vector>
 
 namespace varo::calibration {
-
-inline constexpr int BoxCoxTransformation = 5;
 
 // One month of the main model (the occurrence model of a conditional model).
 struct MonthParameters {
@@ -67,7 +67,7 @@ struct ParameterFile {
     std::string predictandPath;
 
     int predictorCount() const { return static_cast<int>(predictorNames.size()); }
-    bool boxCox() const { return transformation == static_cast<float>(BoxCoxTransformation); }
+    bool boxCox() const { return transformation == static_cast<float>(core::TransformBoxCox); }
 };
 
 // The whole text of the file, line ends included.

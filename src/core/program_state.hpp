@@ -13,6 +13,16 @@
 
 namespace varo::core {
 
+// Codes of the model transformation: of the ModelTransformation setting, of a parameter
+// file and of a SIM file.
+enum TransformationCode : int {
+    TransformNone = 1,
+    TransformFourthRoot = 2,
+    TransformLog = 3,
+    TransformInverseNormal = 4,
+    TransformBoxCox = 5,
+};
+
 struct PredictorEntry {
     std::string code;
     std::string description;

@@ -1,4 +1,5 @@
 #include "gui/analyse_widget.hpp"
+#include "gui/widget_helpers.hpp"
 
 #include "gui/stats_select_widget.hpp"
 #include "statistics/statistic_columns.hpp"
@@ -17,10 +18,6 @@
 namespace varo::gui {
 
 namespace {
-
-QString qt(const std::string& text) {
-    return QString::fromStdString(text);
-}
 
 // A row of a button that picks a file and a label that shows it.
 QLabel* fileRow(QWidget* owner, QGridLayout* grid, int row, const QString& caption,

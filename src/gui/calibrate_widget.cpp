@@ -1,4 +1,5 @@
 #include "gui/calibrate_widget.hpp"
+#include "gui/widget_helpers.hpp"
 
 #include "core/failure.hpp"
 #include "core/series_file.hpp"
@@ -24,22 +25,6 @@ namespace varo::gui {
 
 namespace {
 
-QString qt(const std::string& text) {
-    return QString::fromStdString(text);
-}
-
-QPushButton* button(const QString& caption, const QString& name, QWidget* parent) {
-    auto* made = new QPushButton(caption, parent);
-    made->setObjectName(name);
-    return made;
-}
-
-QLabel* label(const QString& name, QWidget* parent) {
-    auto* made = new QLabel(parent);
-    made->setObjectName(name);
-    return made;
-}
-
 QString withWindowsLineEnds(const std::string& text) {
     QString out = qt(text);
     out.replace("\n", "\r\n");
@@ -60,9 +45,9 @@ CalibrateResultsDialog::CalibrateResultsDialog(ScreenContext& context,
     setAttribute(Qt::WA_DeleteOnClose);
     auto* layout = new QVBoxLayout(this);
     auto* keys = new QHBoxLayout();
-    auto* printKey = button("Print", "menuPrint", this);
-    auto* saveKey = button("Save As Text", "menuSave", this);
-    auto* backKey = button("Back", "menuBack", this);
+    auto* printKey = namedButton("Print", "menuPrint", this);
+    auto* saveKey = namedButton("Save As Text", "menuSave", this);
+    auto* backKey = namedButton("Back", "menuBack", this);
     keys->addWidget(printKey);
     keys->addWidget(saveKey);
     keys->addStretch(1);
@@ -160,15 +145,15 @@ QWidget* CalibrateWidget::buildFiles() {
     auto* box = new QGroupBox("Files", this);
     auto* layout = new QVBoxLayout(box);
     auto* predictandRow = new QHBoxLayout();
-    auto* pickPredictand = button("Select Predictand", "PredictandButton", box);
-    predictandLabel_ = label("PtandText", box);
+    auto* pickPredictand = namedButton("Select Predictand", "PredictandButton", box);
+    predictandLabel_ = namedLabel("PtandText", box);
     predictandRow->addWidget(pickPredictand);
     predictandRow->addWidget(predictandLabel_, 1);
     layout->addLayout(predictandRow);
 
     auto* folderRow = new QHBoxLayout();
-    auto* pickFolder = button("Predictor Folder...", "Dir2", box);
-    folderLabel_ = label("Dir2Text", box);
+    auto* pickFolder = namedButton("Predictor Folder...", "Dir2", box);
+    folderLabel_ = namedLabel("Dir2Text", box);
     folderLabel_->setWordWrap(true);
     folderRow->addWidget(pickFolder);
     folderRow->addWidget(folderLabel_, 1);
@@ -179,12 +164,12 @@ QWidget* CalibrateWidget::buildFiles() {
     predictors_->setObjectName("File2");
     predictors_->setSelectionMode(QAbstractItemView::ExtendedSelection);
     layout->addWidget(predictors_, 1);
-    selectedCount_ = label("NoOfFiles", box);
+    selectedCount_ = namedLabel("NoOfFiles", box);
     layout->addWidget(selectedCount_);
 
     auto* parRow = new QHBoxLayout();
-    auto* pickPar = button("Output File...", "PARFileButton", box);
-    parFileLabel_ = label("PARFileText", box);
+    auto* pickPar = namedButton("Output File...", "PARFileButton", box);
+    parFileLabel_ = namedLabel("PARFileText", box);
     parFileLabel_->setWordWrap(true);
     parRow->addWidget(pickPar);
     parRow->addWidget(parFileLabel_, 1);
@@ -243,7 +228,7 @@ QWidget* CalibrateWidget::buildModel() {
     form->addRow("Fit end:", narrow(bindField("FEdate", record_.feDate, [this, &dialogs, dated] {
                      return dated(record_.checkFitEnd(dialogs));
                  })));
-    noOfDays_ = label("NoOfDays", box);
+    noOfDays_ = namedLabel("NoOfDays", box);
     form->addRow("Days in fit:", noOfDays_);
 
     auto* modelRow = new QHBoxLayout();

@@ -5,7 +5,9 @@
 #include <QVBoxLayout>
 
 // The guide is compiled into a static library, whose resources a program must ask for.
-static void loadHelpResource() { Q_INIT_RESOURCE(help); }
+static void loadHelpResource() {
+    Q_INIT_RESOURCE(help);
+}
 
 namespace varo::gui {
 

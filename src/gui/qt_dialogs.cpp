@@ -1,4 +1,5 @@
 #include "gui/qt_dialogs.hpp"
+#include "gui/widget_helpers.hpp"
 
 #include <QApplication>
 #include <QFileDialog>
@@ -8,10 +9,6 @@
 namespace varo::gui {
 
 namespace {
-
-QString qt(std::string_view text) {
-    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-}
 
 // Line ends of the system's texts are CR LF; a message box wants LF.
 QString boxText(std::string_view text) {

@@ -1,4 +1,5 @@
 #include "gui/screen_vars_widget.hpp"
+#include "gui/widget_helpers.hpp"
 
 #include <QButtonGroup>
 #include <QCheckBox>
@@ -20,26 +21,6 @@
 #include <filesystem>
 
 namespace varo::gui {
-
-namespace {
-
-QString qt(const std::string& text) {
-    return QString::fromStdString(text);
-}
-
-QPushButton* button(const QString& caption, const QString& name, QWidget* parent) {
-    auto* made = new QPushButton(caption, parent);
-    made->setObjectName(name);
-    return made;
-}
-
-QLabel* label(const QString& name, QWidget* parent) {
-    auto* made = new QLabel(parent);
-    made->setObjectName(name);
-    return made;
-}
-
-} // namespace
 
 ScreenVarsWidget::ScreenVarsWidget(ScreenContext& context, QWidget* parent)
     : ScreenWidget(context, "Screen Variables", parent), record_(context.state) {
@@ -69,15 +50,15 @@ QWidget* ScreenVarsWidget::buildFiles() {
     auto* box = new QGroupBox("Files", this);
     auto* layout = new QVBoxLayout(box);
     auto* predictandRow = new QHBoxLayout();
-    auto* pickPredictand = button("Select Predictand", "PredtandButton", box);
-    predictandLabel_ = label("PtandText", box);
+    auto* pickPredictand = namedButton("Select Predictand", "PredtandButton", box);
+    predictandLabel_ = namedLabel("PtandText", box);
     predictandRow->addWidget(pickPredictand);
     predictandRow->addWidget(predictandLabel_, 1);
     layout->addLayout(predictandRow);
 
     auto* folderRow = new QHBoxLayout();
-    auto* pickFolder = button("Predictor Folder...", "Dir2", box);
-    folderLabel_ = label("Dir2Text", box);
+    auto* pickFolder = namedButton("Predictor Folder...", "Dir2", box);
+    folderLabel_ = namedLabel("Dir2Text", box);
     folderRow->addWidget(pickFolder);
     folderRow->addWidget(folderLabel_, 1);
     layout->addLayout(folderRow);
@@ -90,7 +71,7 @@ QWidget* ScreenVarsWidget::buildFiles() {
     predictors_->setSelectionMode(QAbstractItemView::ExtendedSelection);
     predictors_->header()->setSectionResizeMode(0, QHeaderView::ResizeToContents);
     layout->addWidget(predictors_, 1);
-    selectedCount_ = label("NoOfFiles", box);
+    selectedCount_ = namedLabel("NoOfFiles", box);
     layout->addWidget(selectedCount_);
 
     connect(pickPredictand, &QPushButton::clicked, this, [this] {

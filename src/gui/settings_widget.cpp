@@ -1,4 +1,5 @@
 #include "gui/settings_widget.hpp"
+#include "gui/widget_helpers.hpp"
 
 #include <QButtonGroup>
 #include <QCheckBox>
@@ -15,10 +16,6 @@
 namespace varo::gui {
 
 namespace {
-
-QString qt(const std::string& text) {
-    return QString::fromStdString(text);
-}
 
 // A group box of radio buttons, ids 0.. in order, each named "<name><index>".
 QButtonGroup* radioGroup(QWidget* owner, QBoxLayout* into, const QString& title,

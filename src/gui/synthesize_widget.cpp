@@ -1,4 +1,5 @@
 #include "gui/synthesize_widget.hpp"
+#include "gui/widget_helpers.hpp"
 
 #include <QFormLayout>
 #include <QGroupBox>
@@ -10,27 +11,6 @@
 #include <QVBoxLayout>
 
 namespace varo::gui {
-
-namespace {
-
-QString qt(const std::string& text) {
-    return QString::fromStdString(text);
-}
-
-QLabel* namedLabel(const QString& name, QWidget* parent) {
-    auto* label = new QLabel(parent);
-    label->setObjectName(name);
-    label->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    return label;
-}
-
-QPushButton* namedButton(const QString& text, const QString& name, QWidget* parent) {
-    auto* button = new QPushButton(text, parent);
-    button->setObjectName(name);
-    return button;
-}
-
-} // namespace
 
 SynthesizeWidget::SynthesizeWidget(ScreenContext& context, QWidget* parent)
     : ScreenWidget(context, "Weather Generator", parent), record_(context.state) {

@@ -1,4 +1,5 @@
 #include "gui/transform_widget.hpp"
+#include "gui/widget_helpers.hpp"
 
 #include <QButtonGroup>
 #include <QCheckBox>
@@ -13,20 +14,6 @@
 #include <QVBoxLayout>
 
 namespace varo::gui {
-
-namespace {
-
-QString qt(std::string_view text) {
-    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-}
-
-QCheckBox* tickBox(const QString& caption, const QString& name, QWidget* parent) {
-    auto* box = new QCheckBox(caption, parent);
-    box->setObjectName(name);
-    return box;
-}
-
-} // namespace
 
 TransformWidget::TransformWidget(ScreenContext& context, QWidget* parent)
     : ScreenWidget(context, "Transform Data", parent), record_(context.state) {

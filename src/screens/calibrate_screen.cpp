@@ -1,5 +1,7 @@
 #include "screens/calibrate_screen.hpp"
 
+#include "screens/fit_period.hpp"
+
 #include "calibration/model_transforms.hpp"
 #include "calibration/parameter_file.hpp"
 #include "calibration/stepwise.hpp"
@@ -144,43 +146,16 @@ void CalibrateScreen::updateNoOfDays() {
 }
 
 bool CalibrateScreen::checkFitStart(Dialogs& dialogs) {
-    const bool ok =
-        fsDate.check(dialogs, [&](const std::string& text) -> std::optional<std::string> {
-            const auto start = core::parseDate(text);
-            if (!start) {
-                return "Start date is invalid - it must be in the format dd/mm/yyyy.";
-            }
-            const auto end = core::parseDate(feDate.text);
-            if (end && core::dayDifference(*start, *end) < 0) {
-                return "End date must be later than start date.";
-            }
-            const auto record = core::parseDate(state_.globalSDate);
-            if (record && core::dayDifference(*record, *start) < 0) {
-                return "Fit start date must be later than record start date.";
-            }
-            return std::nullopt;
-        });
+    const bool ok = fsDate.check(dialogs, [&](const std::string& text) {
+        return fitStartRefusal(text, feDate.text, state_);
+    });
     updateNoOfDays();
     return ok;
 }
 
 bool CalibrateScreen::checkFitEnd(Dialogs& dialogs) {
-    const bool ok =
-        feDate.check(dialogs, [&](const std::string& text) -> std::optional<std::string> {
-            const auto end = core::parseDate(text);
-            if (!end) {
-                return "End date is invalid - it must be in the format dd/mm/yyyy.";
-            }
-            const auto start = core::parseDate(fsDate.text);
-            if (start && core::dayDifference(*start, *end) < 0) {
-                return "End date must be later than start date.";
-            }
-            const auto record = core::parseDate(state_.globalEDate);
-            if (record && core::dayDifference(*end, *record) < 0) {
-                return "Fit end date must be earlier than record end date.";
-            }
-            return std::nullopt;
-        });
+    const bool ok = feDate.check(
+        dialogs, [&](const std::string& text) { return fitEndRefusal(fsDate.text, text, state_); });
     updateNoOfDays();
     return ok;
 }

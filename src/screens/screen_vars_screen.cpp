@@ -1,5 +1,7 @@
 #include "screens/screen_vars_screen.hpp"
 
+#include "screens/fit_period.hpp"
+
 #include "core/dates.hpp"
 #include "core/numeric_text.hpp"
 #include "core/series_file.hpp"
@@ -17,12 +19,6 @@ std::string lowerCase(std::string_view text) {
     std::transform(lower.begin(), lower.end(), lower.begin(),
                    [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
     return lower;
-}
-
-bool refuse(Dialogs& dialogs, TextField& field, const std::string& message) {
-    dialogs.error(message);
-    field.text = field.lastGood;
-    return false;
 }
 
 } // namespace
@@ -165,39 +161,14 @@ void ScreenVarsScreen::setAutoregression(bool ticked, Dialogs& dialogs) {
 }
 
 bool ScreenVarsScreen::checkFitStart(Dialogs& dialogs) {
-    const auto start = core::parseDate(fsDate.text);
-    if (!start) {
-        return refuse(dialogs, fsDate,
-                      "Start date is invalid - it must be in the format dd/mm/yyyy.");
-    }
-    const auto end = core::parseDate(feDate.text);
-    if (end && core::dayDifference(*start, *end) < 0) {
-        return refuse(dialogs, fsDate, "End date must be later than start date.");
-    }
-    const auto recordStart = core::parseDate(state_.globalSDate);
-    if (recordStart && core::dayDifference(*recordStart, *start) < 0) {
-        return refuse(dialogs, fsDate, "Fit start date must be later than record start date.");
-    }
-    fsDate.lastGood = fsDate.text;
-    return true;
+    return fsDate.check(dialogs, [&](const std::string& text) {
+        return fitStartRefusal(text, feDate.text, state_);
+    });
 }
 
 bool ScreenVarsScreen::checkFitEnd(Dialogs& dialogs) {
-    const auto end = core::parseDate(feDate.text);
-    if (!end) {
-        return refuse(dialogs, feDate,
-                      "End date is invalid - it must be in the format dd/mm/yyyy.");
-    }
-    const auto start = core::parseDate(fsDate.text);
-    if (start && core::dayDifference(*start, *end) < 0) {
-        return refuse(dialogs, feDate, "End date must be later than start date.");
-    }
-    const auto recordEnd = core::parseDate(state_.globalEDate);
-    if (recordEnd && core::dayDifference(*end, *recordEnd) < 0) {
-        return refuse(dialogs, feDate, "Fit end date must be earlier than record end date.");
-    }
-    feDate.lastGood = feDate.text;
-    return true;
+    return feDate.check(
+        dialogs, [&](const std::string& text) { return fitEndRefusal(fsDate.text, text, state_); });
 }
 
 bool ScreenVarsScreen::checkSigLevel(Dialogs& dialogs) {

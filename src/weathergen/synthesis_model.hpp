@@ -12,6 +12,8 @@
 // found: 62 when the file ends early, 13 when an item is not what its line must hold.
 #pragma once
 
+#include "core/program_state.hpp"
+
 #include "core/dates.hpp"
 #include "core/series_file.hpp"
 
@@ -26,13 +28,11 @@ inline constexpr int MaxPredictors = 30;
 inline constexpr int MaxEnsembleSize = 100;
 
 // Model transformation codes of the amount model.
-enum TransformCode : int {
-    TransformNone = 1,
-    TransformFourthRoot = 2,
-    TransformLog = 3,
-    TransformInverseNormal = 4,
-    TransformBoxCox = 5,
-};
+using core::TransformBoxCox;
+using core::TransformFourthRoot;
+using core::TransformInverseNormal;
+using core::TransformLog;
+using core::TransformNone;
 
 struct ParameterHeader {
     int predictorCount = 0;

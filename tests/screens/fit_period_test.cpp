@@ -1,0 +1,23 @@
+#include "screens/fit_period.hpp"
+
+#include <gtest/gtest.h>
+
+using namespace varo;
+
+TEST(FitPeriod, ChecksInOrderAgainstEachOtherAndTheRecord) {
+    core::ProgramState state;
+    core::initialiseState(state);
+    EXPECT_EQ(screens::fitStartRefusal("31/02/1961", "31/12/1990", state),
+              "Start date is invalid - it must be in the format dd/mm/yyyy.");
+    EXPECT_EQ(screens::fitStartRefusal("01/01/1991", "31/12/1990", state),
+              "End date must be later than start date.");
+    EXPECT_EQ(screens::fitStartRefusal("31/12/1960", "31/12/1990", state),
+              "Fit start date must be later than record start date.");
+    EXPECT_EQ(screens::fitStartRefusal("01/01/1961", "01/01/1961", state), std::nullopt);
+    EXPECT_EQ(screens::fitEndRefusal("01/01/1961", "", state),
+              "End date is invalid - it must be in the format dd/mm/yyyy.");
+    EXPECT_EQ(screens::fitEndRefusal("01/01/1961", "01/01/1991", state),
+              "Fit end date must be earlier than record end date.");
+    // A start that is not a date leaves the end to the record check alone.
+    EXPECT_EQ(screens::fitEndRefusal("x", "31/12/1990", state), std::nullopt);
+}
