@@ -1,5 +1,5 @@
-#include "core/failure.hpp"
 #include "screens/synthesize_screen.hpp"
+#include "support/recording_progress.hpp"
 #include "support/scripted_dialogs.hpp"
 #include "support/temp_dir.hpp"
 
@@ -11,23 +11,13 @@ using namespace varo;
 using screens::RunOutcome;
 using varo::testing::fileExists;
 using varo::testing::readFile;
+using varo::testing::RecordingProgress;
 using varo::testing::ScriptedDialogs;
 using varo::testing::TempDir;
 
 namespace {
 
 const std::string Data = std::string(VARO_TEST_DATA) + "/weathergen";
-
-// Stops the run after a number of progress reports.
-class StopAfter final : public core::Progress {
-public:
-    explicit StopAfter(int reports) : left_(reports) {}
-    void report(long, long, std::string_view) override { --left_; }
-    bool stopRequested() override { return left_ <= 0; }
-
-private:
-    int left_;
-};
 
 struct SynthesizeFixture : ::testing::Test {
     core::ProgramState state;
@@ -86,17 +76,10 @@ TEST_F(SynthesizeFixture, ParameterFileCheckRunsInOrder) {
 
 TEST_F(SynthesizeFixture, ViewDetailsFillsTheScreenFromBothFileForms) {
     screens::SynthesizeScreen screen(state);
-    dialogs.pickedFiles.push_back(Data + "/reg.PAR");
-    screen.pickParFile(dialogs);
-    EXPECT_EQ(screen.parFileText, "reg.PAR");
+    screen.chooseParFile(Data + "/reg.PAR");
     EXPECT_EQ(screen.viewDetails(dialogs), RunOutcome::Done);
-    EXPECT_EQ(screen.noOfPredText, "2");
-    EXPECT_EQ(screen.rStartText, "01/01/1960");
-    EXPECT_EQ(screen.rLengthText, "10000");
     EXPECT_EQ(screen.fStartText.text, "01/01/1960");
     EXPECT_EQ(screen.fLengthText.text, "3650");
-    EXPECT_EQ(screen.processLabel, "Unconditional");
-    EXPECT_EQ(screen.autoRegressLabel, "True");
     EXPECT_EQ(screen.predictorList,
               (std::vector<std::string>{"obs.dat", "reg_p1.dat", "reg_p2.dat"}));
 
@@ -110,8 +93,8 @@ TEST_F(SynthesizeFixture, ViewDetailsFillsTheScreenFromBothFileForms) {
     EXPECT_TRUE(dialogs.messages.empty());
 }
 
-TEST_F(SynthesizeFixture, EnsembleSizeIsCheckedFirstAndResetToTwenty) {
-    screens::SynthesizeScreen screen(state); // nothing chosen at all
+TEST_F(SynthesizeFixture, RunChecksComeInTheirOrderAndResetTheirFields) {
+    screens::SynthesizeScreen screen(state); // nothing chosen, no details shown
     screen.eSize.text = "";
     expectRefused(screen, "Error Message", "Ensemble Size must be a value between 1 and 100.");
     EXPECT_EQ(screen.eSize.text, "20");
@@ -120,10 +103,6 @@ TEST_F(SynthesizeFixture, EnsembleSizeIsCheckedFirstAndResetToTwenty) {
         expectRefused(screen, "Error Message", "Ensemble Size must be between 1 and 100.");
         EXPECT_EQ(screen.eSize.text, "20");
     }
-}
-
-TEST_F(SynthesizeFixture, FitPeriodNeedsTheRecordFieldsOfViewDetails) {
-    screens::SynthesizeScreen screen(state);
     screen.fStartText.text = "31/02/1961";
     expectRefused(screen, "Error Message",
                   "Fit start date is invalid - it must be in the format dd/mm/yyyy.");
@@ -135,34 +114,28 @@ TEST_F(SynthesizeFixture, FitPeriodNeedsTheRecordFieldsOfViewDetails) {
     expectRefused(screen, "Error Message", "Fit length is invalid - it must be a numeric.");
     EXPECT_EQ(screen.fLengthText.text, "365");
     expectRefused(screen, "Warning", "Please check that fit length is shorter than record length.");
-}
 
-TEST_F(SynthesizeFixture, FitPeriodOutsideTheRecordTakesTheRecordValues) {
-    screens::SynthesizeScreen screen = readyScreen();
-    screen.fStartText.text = "31/12/1959";
-    expectRefused(screen, "Warning", "Fit start date should be later than record start date.");
-    EXPECT_EQ(screen.fStartText.text, "01/01/1960");
-    screen.fLengthText.text = "10000.5";
-    expectRefused(screen, "Warning", "Fit length should be shorter than record length.");
-    EXPECT_EQ(screen.fLengthText.text, "10000");
-    screen.fLengthText.text = "0.4";
-    expectRefused(screen, "Error Message", "Fit length must be at least one day.");
-    EXPECT_EQ(screen.fLengthText.text, "365");
-}
-
-TEST_F(SynthesizeFixture, OutputFileAndParameterFileAreCheckedLast) {
-    screens::SynthesizeScreen screen = readyScreen();
-    screen.fLengthText.text = "10000"; // equal to the record length passes
-    screen.outFilePath.clear();
-    expectRefused(screen, "Error Message", "You must select a suitable output file to save to.");
-    EXPECT_EQ(screen.fLengthText.text, "10000");
-    screen.chooseOutFile(dir.path("run.SIM"));
-    expectRefused(screen, "Error Message",
+    screens::SynthesizeScreen ready = readyScreen();
+    ready.fStartText.text = "31/12/1959";
+    expectRefused(ready, "Warning", "Fit start date should be later than record start date.");
+    EXPECT_EQ(ready.fStartText.text, "01/01/1960");
+    ready.fLengthText.text = "10000.5";
+    expectRefused(ready, "Warning", "Fit length should be shorter than record length.");
+    EXPECT_EQ(ready.fLengthText.text, "10000");
+    ready.fLengthText.text = "0.4";
+    expectRefused(ready, "Error Message", "Fit length must be at least one day.");
+    EXPECT_EQ(ready.fLengthText.text, "365");
+    ready.fLengthText.text = "10000"; // equal to the record length passes
+    ready.outFilePath.clear();
+    expectRefused(ready, "Error Message", "You must select a suitable output file to save to.");
+    EXPECT_EQ(ready.fLengthText.text, "10000");
+    ready.chooseOutFile(dir.path("run.SIM"));
+    expectRefused(ready, "Error Message",
                   "The output file's name must not end in SIM: the description file beside it "
                   "takes that name.");
-    screen.chooseOutFile(dir.path("run.OUT"));
-    screen.chooseParFile(Data + "/reg.Par");
-    expectRefused(screen, "Error Message", "You must select a .PAR file.");
+    ready.chooseOutFile(dir.path("run.OUT"));
+    ready.chooseParFile(Data + "/reg.Par");
+    expectRefused(ready, "Error Message", "You must select a .PAR file.");
 }
 
 TEST_F(SynthesizeFixture, RunWritesBothFilesAndSaysSoUnderResults) {
@@ -183,37 +156,11 @@ TEST_F(SynthesizeFixture, RunWritesBothFilesAndSaysSoUnderResults) {
               std::regex_replace(readFile(Data + "/reg.SIM"), std::regex(" 40 "), " 10 "));
 }
 
-TEST_F(SynthesizeFixture, EnsembleOfThreePointSixRunsFourMembers) {
-    screens::SynthesizeScreen screen = readyScreen();
-    screen.fStartText.text = "01/01/1960"; // the record start: nothing to skip, no warning
-    screen.eSize.text = "3.6";
-    dialogs.messages.clear();
-    ASSERT_EQ(screen.synthesize(dialogs, progress), RunOutcome::Done) << dialogs.lastText();
-    EXPECT_EQ(dialogs.messages.size(), 1u);
-    EXPECT_EQ(screen.eSize.text, "4");
-    const std::string out = readFile(dir.path("run.OUT"));
-    EXPECT_EQ(out.find("\r\n"), 4u * 14);
-    EXPECT_NE(readFile(dir.path("run.SIM")).find("\r\n 4 \r\n"), std::string::npos);
-}
-
-TEST_F(SynthesizeFixture, MissingPredictorFileIsNamedInTheFailureBox) {
-    screens::SynthesizeScreen screen = readyScreen();
-    screen.setPredictorFolder(dir.folder());
-    dir.write("reg_p1.dat", "1\r\n");
-    dialogs.messages.clear();
-    EXPECT_EQ(screen.synthesize(dialogs, progress), RunOutcome::Failed);
-    ASSERT_EQ(dialogs.errors().size(), 1u);
-    EXPECT_EQ(dialogs.errors()[0],
-              core::reportFailureText(core::failure::FileNotFound,
-                                      "reg_p2.dat.  Check Predictor Directory is set correctly "
-                                      "and/or file exists in archive."));
-    EXPECT_FALSE(fileExists(dir.path("run.SIM")));
-}
-
 TEST_F(SynthesizeFixture, CancelEndsSilentlyWithTheDaysWrittenAndAnEmptySim) {
     screens::SynthesizeScreen screen = readyScreen();
     state.stopRequested.request();
-    StopAfter stop(1 + 57 + 3); // the opening report, 57 skipped days, stop at the third day
+    // The opening report, 57 skipped days, and a stop at the third day.
+    RecordingProgress stop(1 + 57 + 2);
     dialogs.messages.clear();
     EXPECT_EQ(screen.synthesize(dialogs, stop), RunOutcome::Cancelled);
     EXPECT_TRUE(dialogs.messages.empty());
@@ -228,16 +175,11 @@ TEST_F(SynthesizeFixture, ResetPutsEveryFieldBack) {
     screen.eSize.text = "7";
     screen.reset();
     EXPECT_EQ(screen.parFileText, "Not selected");
-    EXPECT_EQ(screen.outFileText, "Not selected");
     EXPECT_TRUE(screen.parFilePath.empty());
-    EXPECT_EQ(screen.noOfPredText, "0");
-    EXPECT_EQ(screen.rStartText, "unknown");
     EXPECT_EQ(screen.rLengthText, "unknown");
     EXPECT_EQ(screen.fStartText.text, "01/01/1971");
-    EXPECT_EQ(screen.fLengthText.text, "365");
     EXPECT_EQ(screen.eSize.text, "20");
     EXPECT_EQ(screen.predictorFolder, dir.folder());
     EXPECT_TRUE(screen.predictorList.empty());
-    EXPECT_EQ(screen.autoRegressLabel, "Unknown");
     EXPECT_EQ(screen.processLabel, "Unknown");
 }
