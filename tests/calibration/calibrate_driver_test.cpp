@@ -1,89 +1,42 @@
 #include "calibration/calibrate_driver.hpp"
 
 #include "calibration_test_support.hpp"
-#include "core/failure.hpp"
 #include "core/record_calendar.hpp"
+#include "support/failure_checks.hpp"
 #include "support/temp_dir.hpp"
 
 #include <algorithm>
 #include <cmath>
-#include <fstream>
-#include <functional>
 #include <gtest/gtest.h>
-#include <map>
-#include <sstream>
 
 using namespace varo::calibration;
 using varo::core::Date;
+using varo::testing::Calibrator;
 using varo::testing::CountingProgress;
-using varo::testing::RecordingNotifier;
+using varo::testing::DriverData;
+using varo::testing::failsWith;
+using varo::testing::sixYearState;
 using varo::testing::TempDir;
 
 namespace {
 
-const std::string DataFolder = std::string(VARO_TEST_DATA) + "/calibration/driver";
-
 std::string data(const std::string& name) {
-    return DataFolder + "/" + name;
-}
-
-varo::core::ProgramState sixYearState() {
-    varo::core::ProgramState state;
-    varo::core::initialiseState(state);
-    state.globalSDate = "01/01/1961";
-    state.globalEDate = "31/12/1966";
-    state.globalDays = 2191;
-    state.thresh = 0.0f;
-    return state;
+    return DriverData + "/" + name;
 }
 
 CalibrationRequest request(ModelType type, bool conditional, bool lag = false) {
-    CalibrationRequest r;
-    r.data.predictandPath = data("rain.dat");
-    r.data.predictorPaths = {data("mslp.dat"), data("shum.dat")};
-    r.data.fitStart = Date{1, 1, 1962};
-    r.data.fitEnd = Date{31, 12, 1966};
-    r.data.fitDays = 1826;
-    r.data.modelType = type;
-    r.predictandName = "rain.dat";
-    r.fitStartText = "01/01/1962";
-    r.conditional = conditional;
+    CalibrationRequest r = varo::testing::driverRequest(type, conditional);
     r.autoregression = lag;
     return r;
 }
 
-struct Calibrator {
-    CountingProgress progress;
-    RecordingNotifier notifier;
-    std::array<double, 12> meanRatio{1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1};
-
-    CalibrationResults operator()(const varo::core::ProgramState& state,
-                                  const CalibrationRequest& r) {
-        return calibrate(state, r, meanRatio, progress, notifier);
-    }
-};
-
-// Lines of tests/data/calibration/driver/reference.txt (numpy, see make_data.py there).
-std::map<std::string, std::vector<double>> reference() {
-    std::ifstream in(data("reference.txt"));
-    std::map<std::string, std::vector<double>> all;
-    std::string line;
-    while (std::getline(in, line)) {
-        std::istringstream words(line);
-        std::string kind;
-        words >> kind;
-        std::string key = kind;
-        if (kind != "annual") {
-            std::string month;
-            words >> month;
-            key += " " + month;
-        }
-        double value = 0;
-        while (words >> value) {
-            all[key].push_back(value);
-        }
-    }
-    return all;
+// tests/data/calibration/driver/reference.txt (numpy, see make_data.py there); the numbers
+// of the line `kind` for `month` (1 to 12), after the month's number and `skip` more.
+std::vector<double> reference(const std::string& kind, int month = 0, size_t skip = 0) {
+    const auto lines = varo::testing::referenceLines(data("reference.txt"));
+    const auto& row = lines.at(kind).at(static_cast<size_t>(std::max(month - 1, 0)));
+    const size_t from = month > 0 ? 1 + skip : 0;
+    return {row.begin() + static_cast<long>(from), row.end()};
 }
 
 void expectCoefficients(const std::vector<double>& ours, const std::vector<double>& theirs,
@@ -99,7 +52,7 @@ void expectGolden(const ParameterFile& file, const std::string& golden) {
     std::string expected = varo::testing::readFile(data(golden));
     const size_t at = expected.rfind("DATA/");
     if (at != std::string::npos) {
-        expected.replace(at, 4, DataFolder);
+        expected.replace(at, 4, DriverData);
     }
     const std::string produced = parameterFileText(file);
     if (produced != expected) {
@@ -108,25 +61,13 @@ void expectGolden(const ParameterFile& file, const std::string& golden) {
     EXPECT_EQ(produced, expected) << "written to " << VARO_BINARY_DIR << "/" << golden;
 }
 
-int failureNumber(const std::function<void()>& action, std::string* description = nullptr) {
-    try {
-        action();
-    } catch (const varo::core::Failure& failure) {
-        if (description != nullptr) {
-            *description = failure.description();
-        }
-        return failure.number();
-    }
-    return 0;
-}
-
 } // namespace
 
 TEST(CalibrateGolden, UnconditionalAnnualWithTwoPredictors) {
     const auto state = sixYearState();
     Calibrator run;
     const CalibrationResults results = run(state, request(ModelType::Annual, false));
-    expectCoefficients(results.parameters.months[0].coefficients, reference()["annual"], "annual");
+    expectCoefficients(results.parameters.months[0].coefficients, reference("annual"), "annual");
     for (const auto& month : results.parameters.months) {
         EXPECT_EQ(month.coefficients, results.parameters.months[0].coefficients);
     }
@@ -143,11 +84,9 @@ TEST(CalibrateGolden, MonthlyConditionalBoxCox) {
     state.modelTransformation = 5.0f;
     Calibrator run;
     const CalibrationResults results = run(state, request(ModelType::Monthly, true));
-    const auto numbers = reference();
     for (int m = 1; m <= 12; ++m) {
         expectCoefficients(results.parameters.months[static_cast<size_t>(m - 1)].coefficients,
-                           numbers.at("occurrence " + std::to_string(m)),
-                           "occurrence of month " + std::to_string(m));
+                           reference("occurrence", m), "occurrence of month " + std::to_string(m));
         const auto& month = results.parameters.months[static_cast<size_t>(m - 1)];
         EXPECT_GE(month.lamda, -2.35);
         EXPECT_LE(month.lamda, 2.35);
@@ -183,113 +122,88 @@ TEST(CalibrateGolden, MonthlyAutoregressionWithUnfilledRows) {
     auto r = request(ModelType::Monthly, false, true);
     r.includeChow = true;
     const CalibrationResults results = run(state, r);
-    const auto numbers = reference();
     for (int m = 1; m <= 12; ++m) {
-        std::vector<double> expected = numbers.at("lagged " + std::to_string(m));
-        const double zeroRows = expected.front();
-        expected.erase(expected.begin());
         expectCoefficients(results.parameters.months[static_cast<size_t>(m - 1)].coefficients,
-                           expected, "lagged month " + std::to_string(m));
-        if (m == 3) {
-            EXPECT_EQ(zeroRows, 2); // the March of 1963 has two runs of one day
-        }
+                           reference("lagged", m, 1), "lagged month " + std::to_string(m));
     }
+    EXPECT_EQ(reference("lagged", 3)[0], 2);        // the March of 1963 has two runs of one day
     EXPECT_EQ(results.statistics[0].predictors, 3); // the lag counts for Chow
     EXPECT_NE(results.statistics[0].chow, -999.0);
     expectGolden(results.parameters, "monthly_autoregression.PAR");
 }
 
-TEST(CalibrateDriver, FitPeriodEqualToTheRecordSkipsNothing) {
+TEST(CalibrateDriver, FitStartOnTheRecordStartOrOnAMissingDay) {
     const auto state = sixYearState();
-    Calibrator run;
+    Calibrator whole;
     auto r = request(ModelType::Annual, false);
     r.data.fitStart = Date{1, 1, 1961};
     r.data.fitDays = 2191;
-    run(state, r);
-    EXPECT_EQ(run.progress.captions,
-              (std::vector<std::string>{"Reading Data", "Calibrating Model"}));
-}
+    whole(state, r);
+    EXPECT_EQ(whole.progress.captions,
+              (std::vector<std::string>{"Reading Data", "Calibrating Model"})); // no skip
 
-TEST(CalibrateDriver, MissingFirstDayMovesTheStartForward) {
-    // Rain is missing on 5 May 1961.
-    const auto state = sixYearState();
-    auto fromMissing = request(ModelType::Annual, false);
-    fromMissing.data.fitStart = Date{5, 5, 1961};
-    fromMissing.data.fitDays = varo::core::daysInclusive(Date{5, 5, 1961}, Date{31, 12, 1966});
-    auto fromNext = request(ModelType::Annual, false);
+    // Rain is missing on 5 May 1961: a fit from that day starts on the next.
+    r.data.fitStart = Date{5, 5, 1961};
+    r.data.fitDays = varo::core::daysInclusive(Date{5, 5, 1961}, Date{31, 12, 1966});
+    auto fromNext = r;
     fromNext.data.fitStart = Date{6, 5, 1961};
-    fromNext.data.fitDays = fromMissing.data.fitDays - 1;
+    fromNext.data.fitDays = r.data.fitDays - 1;
     Calibrator a;
     Calibrator b;
-    EXPECT_EQ(a(state, fromMissing).parameters.months[0].coefficients,
+    EXPECT_EQ(a(state, r).parameters.months[0].coefficients,
               b(state, fromNext).parameters.months[0].coefficients);
 }
 
 TEST(CalibrateDriver, AGroupOfFewerThanTenDaysIsInsufficient) {
     const auto state = sixYearState();
-    auto r = request(ModelType::Annual, false);
-    r.data.fitStart = Date{1, 1, 1962};
-    r.data.fitEnd = Date{9, 1, 1962};
-    r.data.fitDays = 9;
     Calibrator run;
-    try {
-        run(state, r);
-        FAIL();
-    } catch (const varo::core::RunStopped& stopped) {
-        EXPECT_EQ(stopped.message(), "Insufficient data available to build a model.");
-    }
-    r.data.fitEnd = Date{10, 1, 1962};
-    r.data.fitDays = 10;
-    EXPECT_NO_THROW(run(state, r));
+    const auto nineDays = [](ModelType type) {
+        return varo::testing::driverRequest(type, false, Date{9, 1, 1962});
+    };
+    EXPECT_EQ(varo::testing::stopMessage([&] { run(state, nineDays(ModelType::Annual)); }),
+              "Insufficient data available to build a model.");
+    EXPECT_NO_THROW(
+        run(state, varo::testing::driverRequest(ModelType::Annual, false, Date{10, 1, 1962})));
     // Monthly: nine days of January leave every month short.
-    auto monthly = request(ModelType::Monthly, false);
-    monthly.data.fitEnd = Date{9, 1, 1962};
-    monthly.data.fitDays = 9;
-    EXPECT_THROW(run(state, monthly), varo::core::RunStopped);
+    EXPECT_THROW(run(state, nineDays(ModelType::Monthly)), varo::core::RunStopped);
 }
 
 TEST(CalibrateDriver, FileProblemsAreFailuresNamingTheFile) {
     TempDir dir;
     auto state = sixYearState();
-    std::string description;
+    Calibrator run;
     // Record and fit end a year after the files do.
     state.globalEDate = "31/12/1967";
     auto tooLong = request(ModelType::Annual, false);
     tooLong.data.fitEnd = Date{31, 12, 1967};
     tooLong.data.fitDays = 2191;
-    Calibrator run;
-    EXPECT_EQ(failureNumber([&] { run(state, tooLong); }, &description), 62);
-    EXPECT_NE(description.find("rain.dat"), std::string::npos) << description;
+    EXPECT_TRUE(failsWith([&] { run(state, tooLong); }, 62, "rain.dat"));
 
     state = sixYearState();
     std::string shum = varo::testing::readFile(data("shum.dat"));
     shum.replace(shum.find("\r\n", 5000) + 2, 3, "x.y");
     auto word = request(ModelType::Annual, false);
     word.data.predictorPaths[1] = dir.write("shum.dat", shum);
-    EXPECT_EQ(failureNumber([&] { run(state, word); }, &description), 13);
-    EXPECT_NE(description.find("of '" + dir.path("shum.dat") + "' is not a number"),
-              std::string::npos)
-        << description;
+    EXPECT_TRUE(failsWith([&] { run(state, word); }, 13,
+                          "of '" + dir.path("shum.dat") + "' is not a number"));
 
     auto missing = request(ModelType::Annual, false);
     missing.data.predictorPaths[0] = dir.path("nowhere.dat");
-    EXPECT_EQ(failureNumber([&] { run(state, missing); }, &description), 53);
-    EXPECT_NE(description.find("nowhere.dat"), std::string::npos);
+    EXPECT_TRUE(failsWith([&] { run(state, missing); }, 53, "nowhere.dat"));
 }
 
-TEST(CalibrateDriver, SingularDesignAndTheDependencyWarning) {
-    const auto state = sixYearState();
+TEST(CalibrateDriver, DependentPredictorsAreSingularOrWarnedOfOncePerRun) {
+    auto state = sixYearState();
     auto twice = request(ModelType::Monthly, false);
     twice.data.predictorPaths = {data("mslp.dat"), data("mslp.dat")};
     Calibrator leastSquares;
-    std::string description;
-    EXPECT_EQ(failureNumber([&] { leastSquares(state, twice); }, &description), 1306);
-    EXPECT_EQ(description, "Matrix is singular and cannot be inverted.");
+    EXPECT_TRUE(failsWith([&] { leastSquares(state, twice); }, 1306,
+                          "Matrix is singular and cannot be inverted."));
 
-    auto simplexState = sixYearState();
-    simplexState.optimisationChoice = 2;
+    // The simplex fits all twelve months and warns once.
+    state.optimisationChoice = 2;
     Calibrator simplex;
-    const auto results = simplex(simplexState, twice);
+    const auto results = simplex(state, twice);
     EXPECT_EQ(simplex.notifier.warnings,
               std::vector<std::string>{"Warning: Linear dependencies between predictors."});
     EXPECT_TRUE(results.dependencyWarned);
@@ -315,20 +229,14 @@ TEST(CalibrateDriver, CancelStopsReadingAndTheSimplex) {
 }
 
 TEST(CalibrateDriver, FixedLimitsAreBoundsFailures) {
-    const auto state = sixYearState();
+    auto state = sixYearState();
     Calibrator run;
     auto wide = request(ModelType::Annual, false);
     wide.data.predictorPaths.assign(48, data("mslp.dat"));
-    std::string description;
-    EXPECT_EQ(failureNumber([&] { run(state, wide); }, &description), 9);
-    EXPECT_NE(description.find("at most 50 parameters"), std::string::npos) << description;
-
-    auto simplexState = sixYearState();
-    simplexState.optimisationChoice = 2;
-    auto many = request(ModelType::Annual, false);
-    many.data.predictorPaths.assign(21, data("mslp.dat"));
-    EXPECT_EQ(failureNumber([&] { run(simplexState, many); }, &description), 9);
-    EXPECT_NE(description.find("at most 20 predictors"), std::string::npos) << description;
+    EXPECT_TRUE(failsWith([&] { run(state, wide); }, 9, "at most 50 parameters"));
+    state.optimisationChoice = 2;
+    wide.data.predictorPaths.resize(21);
+    EXPECT_TRUE(failsWith([&] { run(state, wide); }, 9, "at most 20 predictors"));
 }
 
 TEST(CalibrateDriver, StepwiseChoosesAndNamesTheSubset) {
@@ -353,11 +261,9 @@ TEST(CalibrateDriver, A360DayRecordEndsWhenThePositionRunsPastTheEndDate) {
     // one of them (row 406, 10 February 1962 in the file's own calendar) missing.
     auto state = sixYearState();
     varo::core::setYearIndicator(state, 360);
-    auto r = request(ModelType::Annual, false);
-    r.data.fitEnd = Date{1, 3, 1962};
-    r.data.fitDays = 60;
     Calibrator run;
-    const auto results = run(state, r);
+    const auto results =
+        run(state, varo::testing::driverRequest(ModelType::Annual, false, Date{1, 3, 1962}));
     EXPECT_EQ(results.statistics[0].rows, 58);
     EXPECT_EQ(results.parameters.yearIndicator, 360);
 }

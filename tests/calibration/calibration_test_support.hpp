@@ -1,12 +1,19 @@
 // Helpers of the calibration tests: a progress that stops on a chosen report, a notifier
-// that keeps what it was told, and matrices from data files.
+// that keeps what it was told, matrices and reference numbers from data files, and the
+// six-year record that the whole-run tests calibrate.
 #pragma once
 
+#include "calibration/calibrate_driver.hpp"
 #include "calibration/matrix_object.hpp"
+#include "core/dates.hpp"
 #include "core/notices.hpp"
 #include "core/progress.hpp"
 #include "core/series_file.hpp"
 
+#include <array>
+#include <fstream>
+#include <map>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -73,5 +80,65 @@ inline Design readDesign(const std::string& path, int rows, int predictors) {
     }
     return design;
 }
+
+// Lines "key n1 n2 ..." of a reference file written by a script beside it: the numbers of
+// each line, in file order, under the line's first word.
+inline std::map<std::string, std::vector<std::vector<double>>>
+referenceLines(const std::string& path) {
+    std::ifstream in(path);
+    std::map<std::string, std::vector<std::vector<double>>> all;
+    std::string line;
+    while (std::getline(in, line)) {
+        std::istringstream words(line);
+        std::string key;
+        words >> key;
+        std::vector<double>& numbers = all[key].emplace_back();
+        for (double value = 0; words >> value;) {
+            numbers.push_back(value);
+        }
+    }
+    return all;
+}
+
+// tests/data/calibration/driver: rain.dat, mslp.dat and shum.dat hold 1961 to 1966.
+inline const std::string DriverData = std::string(VARO_TEST_DATA) + "/calibration/driver";
+
+inline core::ProgramState sixYearState() {
+    core::ProgramState state;
+    core::initialiseState(state);
+    state.globalSDate = "01/01/1961";
+    state.globalEDate = "31/12/1966";
+    state.globalDays = 2191;
+    state.thresh = 0.0f;
+    return state;
+}
+
+// Rain from the two predictors, fitted over 1962 to `fitEnd`.
+inline calibration::CalibrationRequest driverRequest(calibration::ModelType type, bool conditional,
+                                                     core::Date fitEnd = {31, 12, 1966}) {
+    calibration::CalibrationRequest r;
+    r.data.predictandPath = DriverData + "/rain.dat";
+    r.data.predictorPaths = {DriverData + "/mslp.dat", DriverData + "/shum.dat"};
+    r.data.fitStart = core::Date{1, 1, 1962};
+    r.data.fitEnd = fitEnd;
+    r.data.fitDays = core::dayDifference(r.data.fitStart, fitEnd) + 1;
+    r.data.modelType = type;
+    r.predictandName = "rain.dat";
+    r.fitStartText = "01/01/1962";
+    r.conditional = conditional;
+    return r;
+}
+
+// Runs `calibrate` and keeps what it reported, warned and remembered between runs.
+struct Calibrator {
+    CountingProgress progress;
+    RecordingNotifier notifier;
+    std::array<double, 12> meanRatio{1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1};
+
+    calibration::CalibrationResults operator()(const core::ProgramState& state,
+                                               const calibration::CalibrationRequest& r) {
+        return calibration::calibrate(state, r, meanRatio, progress, notifier);
+    }
+};
 
 } // namespace varo::testing

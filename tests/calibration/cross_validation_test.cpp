@@ -1,64 +1,34 @@
 #include "calibration/cross_validation.hpp"
 
-#include "calibration/calibrate_driver.hpp"
 #include "calibration_test_support.hpp"
-#include "core/dates.hpp"
 
 #include <cmath>
-#include <fstream>
 #include <gtest/gtest.h>
-#include <map>
-#include <sstream>
 
 using namespace varo::calibration;
-using varo::testing::CountingProgress;
+using varo::testing::Calibrator;
 using varo::testing::RecordingNotifier;
 
 namespace {
 
 constexpr double Missing = -999.0;
-const std::string DataFolder = std::string(VARO_TEST_DATA) + "/calibration/driver";
 
 // tests/data/calibration/driver/reference_cross_validation.txt, from
 // make_cross_validation.py there (numpy and scipy).
-std::map<std::string, std::vector<double>> reference() {
-    std::ifstream in(DataFolder + "/reference_cross_validation.txt");
-    std::map<std::string, std::vector<double>> all;
-    std::string line;
-    while (std::getline(in, line)) {
-        std::istringstream words(line);
-        std::string key;
-        words >> key;
-        double value = 0;
-        while (words >> value) {
-            all[key].push_back(value);
-        }
-    }
-    return all;
+std::vector<double> reference(const std::string& key) {
+    return varo::testing::referenceLines(varo::testing::DriverData +
+                                         "/reference_cross_validation.txt")
+        .at(key)
+        .at(0);
 }
 
 CalibrationResults run(ModelType type, bool conditional, int folds, float transformation,
-                       RecordingNotifier& notifier, varo::core::Date fitEnd = {31, 12, 1966}) {
-    varo::core::ProgramState state;
-    varo::core::initialiseState(state);
-    state.globalSDate = "01/01/1961";
-    state.globalEDate = "31/12/1966";
+                       Calibrator& calibrator, varo::core::Date fitEnd = {31, 12, 1966}) {
+    auto state = varo::testing::sixYearState();
     state.modelTransformation = transformation;
-    CalibrationRequest r;
-    r.data.predictandPath = DataFolder + "/rain.dat";
-    r.data.predictorPaths = {DataFolder + "/mslp.dat", DataFolder + "/shum.dat"};
-    r.data.fitStart = {1, 1, 1962};
-    r.data.fitEnd = fitEnd;
-    r.data.fitDays = varo::core::dayDifference(r.data.fitStart, fitEnd) + 1;
-    r.data.modelType = type;
-    r.predictandName = "rain.dat";
-    r.fitStartText = "01/01/1962";
-    r.conditional = conditional;
+    auto r = varo::testing::driverRequest(type, conditional, fitEnd);
     r.crossValidationFolds = folds;
-    std::array<double, 12> meanRatio{};
-    meanRatio.fill(1.0);
-    CountingProgress progress;
-    return calibrate(state, r, meanRatio, progress, notifier);
+    return calibrator(state, r);
 }
 
 void expectNear(double ours, double theirs, const char* what) {
@@ -68,26 +38,25 @@ void expectNear(double ours, double theirs, const char* what) {
 } // namespace
 
 TEST(CrossValidation, UnconditionalMetricsMatchAnIndependentComputation) {
-    RecordingNotifier notifier;
-    const auto results = run(ModelType::Annual, false, 5, 1.0f, notifier);
+    Calibrator calibrator;
+    const auto results = run(ModelType::Annual, false, 5, 1.0f, calibrator);
     ASSERT_TRUE(results.crossValidation.has_value());
     const auto& table = *results.crossValidation;
-    const auto expected = reference().at("annual");
-    expectNear(table[0][0], expected[0], "SE");
-    expectNear(table[1][0], expected[1], "Spearman");
-    expectNear(table[2][0], expected[2], "bias");
-    expectNear(table[3][0], expected[3], "R squared");
-    expectNear(table[4][0], expected[4], "Durbin-Watson");
+    const auto expected = reference("annual");
+    const char* names[] = {"SE", "Spearman", "bias", "R squared", "Durbin-Watson"};
+    for (size_t row = 0; row < 5; ++row) {
+        expectNear(table[row][0], expected[row], names[row]);
+    }
     EXPECT_EQ(table[4][11], table[4][0]); // an annual model fills every month
     EXPECT_EQ(table[5][0], Missing);
-    EXPECT_TRUE(notifier.warnings.empty());
+    EXPECT_TRUE(calibrator.notifier.warnings.empty());
 }
 
 TEST(CrossValidation, AmountsAreTransformedFoldByFoldAndScoredBack) {
-    RecordingNotifier notifier;
-    const auto results = run(ModelType::Monthly, true, 4, 2.0f, notifier);
+    Calibrator calibrator;
+    const auto results = run(ModelType::Monthly, true, 4, 2.0f, calibrator);
     const auto& table = *results.crossValidation;
-    const auto expected = reference().at("amounts");
+    const auto expected = reference("amounts");
     expectNear(table[3][0], expected[0], "amount R squared");
     expectNear(table[2][0], expected[1], "amount SE");
     expectNear(table[1][0], expected[2], "amount Spearman");
@@ -99,9 +68,9 @@ TEST(CrossValidation, AmountsAreTransformedFoldByFoldAndScoredBack) {
 
 TEST(CrossValidation, TooFewRowsAFoldSaysSoOnceAndTheRunGoesOn) {
     // One year: some 30 days a month give folds of 3 rows.
-    RecordingNotifier notifier;
-    const auto results = run(ModelType::Monthly, true, 10, 1.0f, notifier, {31, 12, 1962});
-    EXPECT_EQ(notifier.warnings,
+    Calibrator calibrator;
+    const auto results = run(ModelType::Monthly, true, 10, 1.0f, calibrator, {31, 12, 1962});
+    EXPECT_EQ(calibrator.notifier.warnings,
               std::vector<std::string>{"Error Message: Sorry - insufficient data for all cross "
                                        "validation metrics to be calculated."});
     for (const auto& row : *results.crossValidation) {

@@ -1,6 +1,7 @@
 #include "calibration/model_transforms.hpp"
 
 #include "core/notices.hpp"
+#include "support/failure_checks.hpp"
 
 #include <cmath>
 #include <gtest/gtest.h>
@@ -193,27 +194,19 @@ TEST(ModelTransformation, BoxCoxShiftLeavesTheFirstRowOut) {
 }
 
 TEST(ModelTransformation, BoxCoxWithTooFewWetDaysStopsWithTheTwoPartMessage) {
-    MatrixObject x = rowNumbers(49);
-    MatrixObject y = column(std::vector<double>(lognormalSample(49)));
-    try {
-        applyModelTransformation(x, y, TransformBoxCox, Missing, "August");
-        FAIL();
-    } catch (const varo::core::RunStopped& stopped) {
-        EXPECT_EQ(stopped.message(),
-                  "Sorry an error has occurred calculating the optimum lamda transform. There "
-                  "are insufficient data for a Box Cox transformation.  Try an alternative "
-                  "transformation.");
-    }
+    const auto message = [](std::vector<double> values) {
+        MatrixObject x = rowNumbers(static_cast<int>(values.size()));
+        MatrixObject y = column(values);
+        return varo::testing::stopMessage(
+            [&] { applyModelTransformation(x, y, TransformBoxCox, Missing, "August"); });
+    };
+    EXPECT_EQ(message(lognormalSample(49)),
+              "Sorry an error has occurred calculating the optimum lamda transform. There "
+              "are insufficient data for a Box Cox transformation.  Try an alternative "
+              "transformation.");
     // Enough values but no spread: the first part alone.
-    MatrixObject xc = rowNumbers(60);
-    MatrixObject yc = column(std::vector<double>(60, 3.0));
-    try {
-        applyModelTransformation(xc, yc, TransformBoxCox, Missing, "August");
-        FAIL();
-    } catch (const varo::core::RunStopped& stopped) {
-        EXPECT_EQ(stopped.message(),
-                  "Sorry an error has occurred calculating the optimum lamda transform.");
-    }
+    EXPECT_EQ(message(std::vector<double>(60, 3.0)),
+              "Sorry an error has occurred calculating the optimum lamda transform.");
 }
 
 TEST(ModelTransformation, FindLamdaTakesTheUpperQuartileWithoutTheExcludedCells) {
