@@ -2,6 +2,7 @@
 
 #include "core/failure.hpp"
 #include "engine_support.hpp"
+#include "support/failure_checks.hpp"
 #include "support/temp_dir.hpp"
 
 #include <gtest/gtest.h>
@@ -31,7 +32,7 @@ TEST(PeriodDays, EachYearLengthStepsByItsOwnMonths) {
     EXPECT_EQ(days366.size(), 366u);
 }
 
-TEST(ReadPeriod, SkipsByTheFilesCalendarAndReadsMembersByField) {
+TEST(ReadPeriod, SkipsByTheFilesCalendarAndReadsMembersByFieldOrOneFreeFormat) {
     TempDir dir;
     // A 360-day file: 360 rows for 1961, then 1962 from row 361.
     std::string text;
@@ -48,15 +49,12 @@ TEST(ReadPeriod, SkipsByTheFilesCalendarAndReadsMembersByField) {
     EXPECT_EQ(period.member(0)[0], 361.0);
     EXPECT_EQ(period.member(1)[1], -362.5);
     EXPECT_EQ(period.days[0].year, 1962);
-}
 
-TEST(ReadPeriod, OneMemberIsReadFreeFormat) {
-    TempDir dir;
-    DataSource source{dir.write("obs.dat", "1 2, 3\r\n4\r\n5\r\n"), 1, core::RealCalendar,
-                      date(30, 12, 1961)};
-    core::NullProgress progress;
-    const auto period = readPeriod(source, date(31, 12, 1961), date(2, 1, 1962), progress);
-    EXPECT_EQ(std::vector<double>(period.values.begin(), period.values.end()),
+    // One member is read free format.
+    DataSource one{dir.write("obs.dat", "1 2, 3\r\n4\r\n5\r\n"), 1, core::RealCalendar,
+                   date(30, 12, 1961)};
+    const auto free = readPeriod(one, date(31, 12, 1961), date(2, 1, 1962), progress);
+    EXPECT_EQ(std::vector<double>(free.values.begin(), free.values.end()),
               (std::vector<double>{2.0, 3.0, 4.0}));
 }
 
@@ -65,24 +63,15 @@ TEST(ReadPeriod, ShortFileGarbledFieldAndCancel) {
     core::NullProgress progress;
     DataSource shortFile{dir.write("short.dat", "1\r\n2\r\n"), 1, core::RealCalendar,
                          date(1, 1, 1961)};
-    try {
-        readPeriod(shortFile, date(1, 1, 1961), date(3, 1, 1961), progress);
-        FAIL() << "no failure";
-    } catch (const core::Failure& failure) {
-        EXPECT_EQ(failure.number(), core::failure::InputPastEnd);
-    }
+    EXPECT_TRUE(
+        failsWith([&] { readPeriod(shortFile, date(1, 1, 1961), date(3, 1, 1961), progress); },
+                  core::failure::InputPastEnd));
     DataSource garbled{dir.write("bad.OUT", "1.000         2.000\r\n1.000         x\r\n"), 2,
                        core::RealCalendar, date(1, 1, 1961)};
-    try {
-        readPeriod(garbled, date(1, 1, 1961), date(2, 1, 1961), progress);
-        FAIL() << "no failure";
-    } catch (const core::Failure& failure) {
-        EXPECT_EQ(failure.number(), core::failure::TypeMismatch);
-        EXPECT_NE(failure.description().find("Line 2 of '" + garbled.path +
-                                             "' holds no number for ensemble member 2"),
-                  std::string::npos)
-            << failure.description();
-    }
+    EXPECT_TRUE(
+        failsWith([&] { readPeriod(garbled, date(1, 1, 1961), date(2, 1, 1961), progress); },
+                  core::failure::TypeMismatch,
+                  "Line 2 of '" + garbled.path + "' holds no number for ensemble member 2"));
     DataSource narrow{dir.write("narrow.OUT", "1.000\r\n"), 2, core::RealCalendar,
                       date(1, 1, 1961)};
     EXPECT_THROW(readPeriod(narrow, date(1, 1, 1961), date(1, 1, 1961), progress), core::Failure);

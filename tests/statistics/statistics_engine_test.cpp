@@ -17,23 +17,33 @@ ResultTable compute(MemberRows rows, const EngineSettings& settings) {
 
 } // namespace
 
-TEST(FirstPass, StartingValuesOfMaximumAndMinimumMeanMissing) {
-    // Values below the starting maximum of -999999 never move it.
-    const auto t = compute(rowsWith({{1, {-2000000.0, -3000000.0, BE, RE}}}),
-                           settingsFor({column::Mean, column::Maximum, column::Minimum}));
-    EXPECT_EQ(t[1][column::Maximum], Missing);
-    EXPECT_EQ(t[1][column::Minimum], -3000000.0);
-    EXPECT_EQ(t[1][column::Mean], -2500000.0);
-}
-
-TEST(FirstPass, InactiveRowIsMissingInEveryColumn) {
-    const auto t = compute(rowsWith({{1, {Missing, Missing, BE, RE}}}),
-                           settingsFor({column::Mean, column::Sum, column::Median, column::Acf,
-                                        column::MaxNTot, column::WetSpell, column::Variance}));
+TEST(FirstPass, MissingForInactiveRowsAllDryRowsAndMaximaBelowTheStart) {
+    const auto inactive =
+        compute(rowsWith({{1, {Missing, Missing, BE, RE}}}),
+                settingsFor({column::Mean, column::Sum, column::Median, column::Acf,
+                             column::MaxNTot, column::WetSpell, column::Variance}));
     for (int c = 1; c <= StatisticCount; ++c) {
-        EXPECT_EQ(t[1][c], Missing) << c;
+        EXPECT_EQ(inactive[1][c], Missing) << c;
     }
-    EXPECT_EQ(t[2][column::Mean], Missing); // a row without any day
+    EXPECT_EQ(inactive[2][column::Mean], Missing); // a row without any day
+
+    // Under the wet filter an all-dry row counts 0 days and has no values.
+    const auto dry = compute(rowsWith({{1, {0.0, 0.0, BE, RE}}}),
+                             settingsFor({column::WetDaysPercent, column::Median, column::Pop,
+                                          column::MinRange, column::MaxRange}));
+    EXPECT_EQ(dry[1][column::Count], 0.0);
+    EXPECT_EQ(dry[1][column::WetDaysPercent], 0.0);
+    for (const int c : {column::Mean, column::Maximum, column::Median, column::Pop,
+                        column::MaxRange, column::MinRange}) {
+        EXPECT_EQ(dry[1][c], Missing) << c;
+    }
+
+    // Values below the starting maximum of -999999 never move it.
+    const auto low = compute(rowsWith({{1, {-2000000.0, -3000000.0, BE, RE}}}),
+                             settingsFor({column::Mean, column::Maximum, column::Minimum}));
+    EXPECT_EQ(low[1][column::Maximum], Missing);
+    EXPECT_EQ(low[1][column::Minimum], -3000000.0);
+    EXPECT_EQ(low[1][column::Mean], -2500000.0);
 }
 
 TEST(FirstPass, WetFilterTurnsEveryStatisticIntoAWetDayStatistic) {
@@ -56,29 +66,8 @@ TEST(FirstPass, WetFilterTurnsEveryStatisticIntoAWetDayStatistic) {
     EXPECT_DOUBLE_EQ(ranges[1][column::Mean], 1.5);
 }
 
-TEST(FirstPass, AllDryRowUnderTheWetFilter) {
-    const auto t = compute(rowsWith({{1, {0.0, 0.0, BE, RE}}}),
-                           settingsFor({column::WetDaysPercent, column::Median, column::Pop,
-                                        column::MinRange, column::MaxRange}));
-    EXPECT_EQ(t[1][column::Mean], Missing);
-    EXPECT_EQ(t[1][column::Maximum], Missing);
-    EXPECT_EQ(t[1][column::Count], 0.0);
-    EXPECT_EQ(t[1][column::WetDaysPercent], 0.0);
-    EXPECT_EQ(t[1][column::Median], Missing);
-    EXPECT_EQ(t[1][column::Pop], Missing);
-    EXPECT_EQ(t[1][column::MaxRange], Missing);
-    EXPECT_EQ(t[1][column::MinRange], Missing);
-}
-
-TEST(FirstPass, ThresholdsCompareInSinglePrecision) {
-    // 0.1000000015 lies above 0.1f as a double but rounds to 0.1f: no wet day.
-    auto settings = settingsFor({column::Count, column::WetDaysPercent, column::Pot});
-    settings.thresh = 0.1f;
-    settings.peaksOverThreshold = 0.1f;
-    const auto t = compute(rowsWith({{1, {0.1000000015, 0.2, BE, RE}}}), settings);
-    EXPECT_EQ(t[1][column::Count], 1.0);
-    EXPECT_DOUBLE_EQ(t[1][column::WetDaysPercent], 0.5);
-
+TEST(FirstPass, PeakThresholdsCompareInSinglePrecision) {
+    // 0.1000000015 lies above 0.1f as a double but rounds to 0.1f.
     auto plain = settingsFor({column::Pot, column::Pbt});
     plain.peaksOverThreshold = 0.1f;
     plain.peaksBelowThreshold = 0.1f;
@@ -108,26 +97,24 @@ TEST(Moments, PopulationVarianceAndSkewness) {
     EXPECT_EQ(dry[1][column::Variance], 0.0);
 }
 
-TEST(MaxNTot, WindowsNeverCrossABlockEnd) {
+TEST(MaxNTot, WindowsNeverCrossABlockEndAndNegativeOrShortRowsGiveZero) {
     auto settings = settingsFor({column::MaxNTot});
     settings.nDayTotal = 2;
     // 9 + 9 would cross the block end.
     const auto t = compute(rowsWith({{1, {1.0, 1.0, 9.0, BE, 9.0, 1.0, 1.0, BE, RE}}}), settings);
     EXPECT_EQ(t[1][column::MaxNTot], 10.0);
-}
 
-TEST(MaxNTot, MissingAddsNothingShortRowsAndNegativeTotalsGiveZero) {
-    auto settings = settingsFor({column::MaxNTot, column::Mean});
+    settings.selected[column::Mean] = true;
     settings.nDayTotal = 3;
-    const auto t = compute(rowsWith({{1, {5.0, Missing, 5.0, BE, RE}},
+    const auto u = compute(rowsWith({{1, {5.0, Missing, 5.0, BE, RE}},
                                      {2, {7.0, BE, RE}},
                                      {3, {-1.0, -2.0, -3.0, -4.0, BE, RE}},
                                      {4, {4.0, 4.0, BE, 4.0, 4.0, BE, RE}}}),
                            settings);
-    EXPECT_EQ(t[1][column::MaxNTot], 10.0);
-    EXPECT_EQ(t[2][column::MaxNTot], 0.0); // RowLength 3 = N, no window
-    EXPECT_EQ(t[3][column::MaxNTot], 0.0); // the best starts at 0
-    EXPECT_EQ(t[4][column::MaxNTot], 0.0); // every block shorter than N
+    EXPECT_EQ(u[1][column::MaxNTot], 10.0); // missing adds nothing
+    EXPECT_EQ(u[2][column::MaxNTot], 0.0);  // RowLength 3 = N, no window
+    EXPECT_EQ(u[3][column::MaxNTot], 0.0);  // the best starts at 0
+    EXPECT_EQ(u[4][column::MaxNTot], 0.0);  // every block shorter than N
     // The wet filter does not apply.
     settings.selected[column::WetSpell] = true;
     const auto wet = compute(rowsWith({{1, {0.5, -1.0, 3.0, BE, RE}}}), settings);

@@ -1,4 +1,5 @@
 #include "core/failure.hpp"
+#include "support/failure_checks.hpp"
 #include "weathergen/daily_synthesis.hpp"
 
 #include <gtest/gtest.h>
@@ -73,39 +74,6 @@ TEST(Noise, IsTheSinglePrecisionSumOfPrecNUniformsLessHalfPrecNTimesTheError) {
     }
 }
 
-TEST(Noise, EnsembleSpreadMatchesTheStandardErrorOnlyForTwelveUniforms) {
-    // 100 members over 2,000 days: 200,000 values. The standard deviation of the
-    // ensemble's values about the regression must lie within 1% of the standard error
-    // times sqrt(PrecN / 12), and the mean within 0.02 of the regression (its own standard
-    // error is 2.5 / sqrt(200,000) = 0.0056 at PrecN 12). The stream is fixed, so the
-    // test is repeatable; the tolerances are more than four standard errors wide.
-    const SynthesisModel m = model(false, 1, {10.0, 0.0, 2.5, 0.0});
-    for (const int precN : {12, 3}) {
-        SynthesisSettings s = noiseFree();
-        s.precN = precN;
-        core::UniformRandom random;
-        DailySynthesis synthesis(m, s, 100, random);
-        double values[100];
-        double sum = 0.0;
-        double sumSquares = 0.0;
-        const double x = 1.0;
-        const int days = 2000;
-        for (int day = 0; day < days; ++day) {
-            synthesis.synthesizeDay(1 + day % 12, &x, values);
-            for (double value : values) {
-                sum += value - 10.0;
-                sumSquares += (value - 10.0) * (value - 10.0);
-            }
-        }
-        const double n = 100.0 * days;
-        const double mean = sum / n;
-        const double sd = std::sqrt(sumSquares / n - mean * mean);
-        const double wanted = 2.5 * std::sqrt(precN / 12.0);
-        EXPECT_NEAR(mean, 0.0, 0.02) << precN;
-        EXPECT_NEAR(sd / wanted, 1.0, 0.01) << precN;
-    }
-}
-
 TEST(FirstStage, LaggedValuesStartFromTheInterceptOfTheFirstMonth) {
     SynthesisModel m = model(false, 1, {}, {});
     m.header.autoRegressive = true;
@@ -171,41 +139,30 @@ TEST(MissingDays, WriteTheCodeEverywhereDrawNothingAndKeepTheLags) {
     }
 }
 
-TEST(Occurrence, FixedThresholdCountsAProbabilityEqualToItAsWet) {
+TEST(Occurrence, AFixedThresholdCountsAProbabilityEqualToItAsWetAndDrawsFollowTheProbability) {
     // Amount: intercept 5 and scale 1, so a wet day shows 5.
     const std::vector<double> amount = {5.0, 1.0, 0.0, 0.0, 0.0};
     SynthesisSettings s = noiseFree();
     s.conditionalThresh = 0.5f;
     EXPECT_EQ(oneDay(model(true, 1, {0.5, 0.0, 0.0, 0.0}, amount), s, 0.0), 5.0);
     EXPECT_EQ(oneDay(model(true, 1, {0.4999999, 0.0, 0.0, 0.0}, amount), s, 0.0), 0.0);
-}
 
-TEST(Occurrence, StochasticDecisionComparesInSinglePrecision) {
-    const std::vector<double> amount = {5.0, 1.0, 0.0, 0.0, 0.0};
-    SynthesisSettings s = noiseFree();
+    // Drawn: the share of wet members is the probability; a probability of 1 is always wet
+    // (u < 1), one below 0 never is.
     s.conditionalSelection = 1;
-    // A probability of 1 is always wet (u < 1), one below 0 never is.
-    for (const double probability : {1.0, -0.25}) {
+    for (const auto& [probability, share] : {std::pair{1.0, 1.0}, {-0.25, 0.0}, {0.3, 0.3}}) {
         core::UniformRandom random;
         const SynthesisModel m = model(true, 1, {probability, 0.0, 0.0, 0.0}, amount);
         DailySynthesis synthesis(m, s, 100, random);
         double values[100];
+        long wet = 0;
         const double x = 0.0;
-        synthesis.synthesizeDay(1, &x, values);
-        EXPECT_EQ(std::count(values, values + 100, 5.0), probability > 0 ? 100 : 0);
+        for (int day = 0; day < 200; ++day) {
+            synthesis.synthesizeDay(1, &x, values);
+            wet += std::count(values, values + 100, 5.0);
+        }
+        EXPECT_NEAR(wet / 20000.0, share, share == 0.3 ? 0.015 : 0.0) << probability;
     }
-    // With probability p the share of wet members is p.
-    core::UniformRandom random;
-    const SynthesisModel m = model(true, 1, {0.3, 0.0, 0.0, 0.0}, amount);
-    DailySynthesis synthesis(m, s, 100, random);
-    double values[100];
-    long wet = 0;
-    const double x = 0.0;
-    for (int day = 0; day < 200; ++day) {
-        synthesis.synthesizeDay(1, &x, values);
-        wet += std::count(values, values + 100, 5.0);
-    }
-    EXPECT_NEAR(wet / 20000.0, 0.3, 0.015);
 }
 
 TEST(Amounts, AtOrBelowTheThresholdBecomeJustAboveItWhateverAllowNegSays) {
@@ -280,13 +237,8 @@ TEST(Amounts, BoxCoxInvertsWithTheShiftAndGivesTheMissingCodeForANonPositiveArgu
 TEST(Amounts, OverflowIsAFailure) {
     const SynthesisModel m =
         model(true, weathergen::TransformLog, {1.0, 0.0, 0.0, 0.0}, {0.0, 1.0, 1.0, 0.0, 0.0});
-    try {
-        oneDay(m, noiseFree(), 1000.0);
-        FAIL();
-    } catch (const core::Failure& failure) {
-        EXPECT_EQ(failure.number(), core::failure::OverflowOccurred);
-        EXPECT_NE(failure.description().find("member 1"), std::string::npos);
-    }
+    EXPECT_TRUE(varo::testing::failsWith([&] { oneDay(m, noiseFree(), 1000.0); },
+                                         core::failure::OverflowOccurred, "member 1"));
 }
 
 TEST(ReferenceSample, ShellSortSortsAscending) {

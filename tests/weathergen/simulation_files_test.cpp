@@ -1,4 +1,5 @@
 #include "core/failure.hpp"
+#include "support/failure_checks.hpp"
 #include "support/temp_dir.hpp"
 #include "weathergen/simulation_files.hpp"
 
@@ -39,19 +40,11 @@ TEST(SimulationDescription, WrittenToTheByte) {
 TEST(SimulationDescription, GarbledOrShortFilesFailWithTheirLine) {
     TempDir dir;
     const auto garbled = dir.write("g.SIM", " 2 \r\n 12 \r\n 366 \r\n1961-01-01\r\n");
-    try {
-        weathergen::readSimulationDescription(garbled);
-        FAIL();
-    } catch (const core::Failure& failure) {
-        EXPECT_NE(failure.description().find("line 4"), std::string::npos);
-    }
+    EXPECT_TRUE(varo::testing::failsWith([&] { weathergen::readSimulationDescription(garbled); },
+                                         13, "line 4"));
     const auto shortFile = dir.write("s.SIM", " 2 \r\n 12 \r\n");
-    try {
-        weathergen::readSimulationDescription(shortFile);
-        FAIL();
-    } catch (const core::Failure& failure) {
-        EXPECT_EQ(failure.number(), 62);
-    }
+    EXPECT_TRUE(
+        varo::testing::failsWith([&] { weathergen::readSimulationDescription(shortFile); }, 62));
 }
 
 TEST(SimulationFiles, SimPathReplacesTheLastThreeCharacters) {

@@ -11,8 +11,6 @@ using varo::testing::TempDir;
 
 namespace {
 
-const std::string Data = std::string(VARO_TEST_DATA) + "/weathergen";
-
 // Header of a conditional Box-Cox model with one predictor; rows follow.
 std::string header(const std::string& autoRegression = "False\r\n") {
     return " 1 \r\n 12 \r\n 366 \r\n01/01/1961\r\n 10957 \r\n01/01/1961\r\n 3650 \r\n"
@@ -62,29 +60,6 @@ TEST(ParameterReading, RowsAreTakenByFourteenCharacterColumnsNotByBlanks) {
     EXPECT_TRUE(model.header.hasAutoRegressionLine);
     EXPECT_EQ(model.header.predictorNames, std::vector<std::string>{"mslp.dat"});
     EXPECT_TRUE(model.predictandPath.empty()); // read for the inverse normal only
-}
-
-TEST(ParameterReading, HeaderOfBothFormsFromTheReferenceFiles) {
-    const auto current = weathergen::readSynthesisModel(Data + "/reg.PAR");
-    EXPECT_EQ(current.header.predictorCount, 2);
-    EXPECT_EQ(current.header.recordStartText, "01/01/1960");
-    EXPECT_EQ(current.header.recordLength, 10000);
-    EXPECT_EQ(current.header.fitLength, 3650);
-    EXPECT_TRUE(current.header.autoRegressive);
-    EXPECT_EQ(current.header.occurrenceColumns(), 6);
-    EXPECT_EQ(current.month(12).occurrence[0], 0.8);
-    EXPECT_EQ(current.header.predictandName, "obs.dat");
-
-    // The older form has no autoregression line: the predictand's name stands there.
-    const auto older = weathergen::readSynthesisModel(Data + "/stochastic.PAR");
-    EXPECT_FALSE(older.header.hasAutoRegressionLine);
-    EXPECT_FALSE(older.header.autoRegressive);
-    EXPECT_EQ(older.header.predictandName, "rain.dat");
-    EXPECT_EQ(older.header.predictorNames.size(), 3u);
-    EXPECT_EQ(older.header.transformCode, weathergen::TransformBoxCox);
-    EXPECT_EQ(older.month(2).lamda, 0.0);
-    EXPECT_EQ(older.month(3).lamda, 0.25);
-    EXPECT_EQ(older.month(3).shift, 0.3);
 }
 
 TEST(ParameterReading, BadFilesNameTheFileLineAndValue) {
