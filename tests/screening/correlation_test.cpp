@@ -2,8 +2,8 @@
 
 #include "core/failure.hpp"
 #include "core/number_format.hpp"
-#include "series_text.hpp"
-#include "support/temp_dir.hpp"
+#include "screening_fixture.hpp"
+#include "support/failure_checks.hpp"
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
@@ -13,38 +13,14 @@
 
 using namespace varo;
 using namespace varo::screening;
-using varo::testing::TempDir;
+using CorrelationFixture = varo::testing::ScreeningFixture;
 
 namespace {
 
-const std::string DataFolder = std::string(VARO_TEST_DATA) + "/screening/";
-
 nlohmann::json reference() {
-    std::ifstream file(DataFolder + "reference.json");
+    std::ifstream file(varo::testing::ScreeningData + "reference.json");
     return nlohmann::json::parse(file);
 }
-
-struct CorrelationFixture : ::testing::Test {
-    core::ProgramState state;
-    core::NullProgress progress;
-    TempDir dir;
-    CorrelationFixture() { core::initialiseState(state); }
-
-    ScreeningRequest referenceRequest() const {
-        ScreeningRequest asked;
-        asked.predictandPath = DataFolder + "predictand.dat";
-        for (const char* name : {"p1_mslp.dat", "p2_p500.dat", "p3_rhum.dat"}) {
-            asked.predictorPaths.push_back(DataFolder + name);
-        }
-        asked.fitStart = {1, 1, 1961};
-        asked.fitEnd = {31, 12, 1963};
-        return asked;
-    }
-
-    std::string file(const std::string& name, const std::vector<double>& values) {
-        return varo::testing::writeSeries(dir, name, values);
-    }
-};
 
 void expectMatchesReference(const CorrelationResult& result, const nlohmann::json& expected) {
     EXPECT_EQ(result.n, expected["n"].get<long>());
@@ -95,11 +71,7 @@ TEST_F(CorrelationFixture, TheReportStandsInItsColumns) {
     const auto y = file("rain.dat", {0, 2, 1, 4, 3, 0.5, -999, 6});
     const auto x1 = file("mslp.dat", {1, 2, 2, 5, 3, 1, 4, 7});
     const auto x2 = file("shum.dat", {5, 3, 4, 2, 1, 4, 2, 1});
-    ScreeningRequest asked;
-    asked.predictandPath = y;
-    asked.predictorPaths = {x1, x2};
-    asked.fitStart = {1, 1, 1961};
-    asked.fitEnd = {8, 1, 1961};
+    auto asked = request(y, {x1, x2}, 8);
     asked.conditional = true;
     const auto data = assembleScreeningData(asked, state, progress);
     const auto result = correlate(data, true, state);
@@ -144,13 +116,10 @@ TEST_F(CorrelationFixture, TheReportStandsInItsColumns) {
     EXPECT_LT(result.partial[1], 0.0);
 }
 
-TEST_F(CorrelationFixture, OnePredictorHasNoPartials) {
-    ScreeningRequest asked;
-    asked.predictandPath = file("y.dat", {1, 2, 3, 5});
-    asked.predictorPaths = {file("x.dat", {2, 1, 4, 3})};
-    asked.fitStart = {1, 1, 1961};
-    asked.fitEnd = {4, 1, 1961};
-    const auto data = assembleScreeningData(asked, state, progress);
+TEST_F(CorrelationFixture, OnePredictorHasNoPartialsAndOneWithoutSpreadCannotBeDividedOut) {
+    const auto y = file("y.dat", {1, 2, 3, 5});
+    const auto data =
+        assembleScreeningData(request(y, {file("x.dat", {2, 1, 4, 3})}, 4), state, progress);
     const auto result = correlate(data, false, state);
     EXPECT_TRUE(result.partial.empty());
     const auto report = correlationReport(data, result, {"a", "b", "Annual"}, false);
@@ -158,20 +127,10 @@ TEST_F(CorrelationFixture, OnePredictorHasNoPartials) {
     for (const auto& line : report.lines) {
         EXPECT_EQ(line.find("threshold"), std::string::npos);
     }
-}
 
-TEST_F(CorrelationFixture, ASeriesWithoutSpreadCannotBeDividedOut) {
-    ScreeningRequest asked;
-    asked.predictandPath = file("y.dat", {1, 2, 3, 5});
-    asked.predictorPaths = {file("flat.dat", {2, 2, 2, 2})};
-    asked.fitStart = {1, 1, 1961};
-    asked.fitEnd = {4, 1, 1961};
-    const auto data = assembleScreeningData(asked, state, progress);
-    try {
-        correlate(data, false, state);
-        FAIL();
-    } catch (const core::Failure& failure) {
-        EXPECT_EQ(failure.number(), core::failure::DivisionByZero);
-        EXPECT_NE(failure.description().find("'flat.dat' does not vary"), std::string::npos);
-    }
+    const auto flat =
+        assembleScreeningData(request(y, {file("flat.dat", {2, 2, 2, 2})}, 4), state, progress);
+    EXPECT_TRUE(varo::testing::failsWith([&] { correlate(flat, false, state); },
+                                         core::failure::DivisionByZero,
+                                         "'flat.dat' does not vary"));
 }

@@ -2,8 +2,8 @@
 
 #include "core/failure.hpp"
 #include "core/number_format.hpp"
-#include "series_text.hpp"
-#include "support/temp_dir.hpp"
+#include "screening_fixture.hpp"
+#include "support/failure_checks.hpp"
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
@@ -12,44 +12,12 @@
 
 using namespace varo;
 using namespace varo::screening;
-using varo::testing::TempDir;
-
-namespace {
-
-const std::string DataFolder = std::string(VARO_TEST_DATA) + "/screening/";
-
-struct VarianceFixture : ::testing::Test {
-    core::ProgramState state;
-    core::NullProgress progress;
-    TempDir dir;
-    VarianceFixture() { core::initialiseState(state); }
-
-    std::string file(const std::string& name, const std::vector<double>& values) {
-        return varo::testing::writeSeries(dir, name, values);
-    }
-
-    ScreeningRequest request(const std::string& y, std::vector<std::string> x, int days) {
-        ScreeningRequest asked;
-        asked.predictandPath = y;
-        asked.predictorPaths = std::move(x);
-        asked.fitStart = {1, 1, 1961};
-        asked.fitEnd = core::dateFromSerial(core::serialDay(asked.fitStart) + days - 1);
-        return asked;
-    }
-};
-
-} // namespace
+using VarianceFixture = varo::testing::ScreeningFixture;
 
 TEST_F(VarianceFixture, RSquaredByMonthAgreesWithNumpy) {
-    std::ifstream file(DataFolder + "reference.json");
+    std::ifstream file(varo::testing::ScreeningData + "reference.json");
     const auto expected = nlohmann::json::parse(file)["variance"];
-    ScreeningRequest asked;
-    asked.predictandPath = DataFolder + "predictand.dat";
-    for (const char* name : {"p1_mslp.dat", "p2_p500.dat", "p3_rhum.dat"}) {
-        asked.predictorPaths.push_back(DataFolder + name);
-    }
-    asked.fitStart = {1, 1, 1961};
-    asked.fitEnd = {31, 12, 1963};
+    auto asked = referenceRequest();
     asked.autoregression = true;
     const auto result = explainVariance(asked, state, progress);
     ASSERT_EQ(result.cells.size(), 4u);
@@ -155,15 +123,8 @@ TEST_F(VarianceFixture, AMonthOutgrowingItsRowsFails) {
     state.globalSDate = "01/01/1850";
     std::vector<double> values(54787, 1.0);
     const auto y = file("y.dat", values);
-    ScreeningRequest asked;
-    asked.predictandPath = y;
-    asked.predictorPaths = {y};
-    asked.fitStart = {1, 1, 1850};
+    auto asked = request(y, {y}, 1, {1, 1, 1850});
     asked.fitEnd = {31, 12, 1999};
-    try {
-        explainVariance(asked, state, progress);
-        FAIL();
-    } catch (const core::Failure& failure) {
-        EXPECT_EQ(failure.number(), core::failure::FileTooLarge);
-    }
+    EXPECT_TRUE(varo::testing::failsWith([&] { explainVariance(asked, state, progress); },
+                                         core::failure::FileTooLarge));
 }

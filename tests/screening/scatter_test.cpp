@@ -1,30 +1,18 @@
 #include "screening/scatter.hpp"
 
 #include "core/notices.hpp"
-#include "series_text.hpp"
-#include "support/temp_dir.hpp"
+#include "screening_fixture.hpp"
+#include "support/failure_checks.hpp"
 
 #include <gtest/gtest.h>
 
 using namespace varo;
 using namespace varo::screening;
-using varo::testing::TempDir;
 
 namespace {
-struct ScatterFixture : ::testing::Test {
-    core::ProgramState state;
-    core::NullProgress progress;
-    TempDir dir;
-    ScatterFixture() { core::initialiseState(state); }
-
-    ScreeningRequest request(const std::vector<double>& y, const std::vector<double>& x,
-                             const std::string& fitEnd) {
-        ScreeningRequest asked;
-        asked.predictandPath = varo::testing::writeSeries(dir, "rain.dat", y);
-        asked.predictorPaths = {varo::testing::writeSeries(dir, "mslp.dat", x)};
-        asked.fitStart = {1, 1, 1961};
-        asked.fitEnd = *core::parseDate(fitEnd);
-        return asked;
+struct ScatterFixture : varo::testing::ScreeningFixture {
+    ScreeningRequest rainOnPressure(const std::vector<double>& y, const std::vector<double>& x) {
+        return request(file("rain.dat", y), {file("mslp.dat", x)}, static_cast<long>(y.size()));
     }
 };
 } // namespace
@@ -39,7 +27,7 @@ TEST_F(ScatterFixture, PairsDaysOfThePeriodAndCountsOnlyTheirMissingValues) {
     }
     y[3] = -999;
     x[40] = -999;
-    auto asked = request(y, x, "28/02/1961");
+    auto asked = rainOnPressure(y, x);
     asked.period = 6; // February
     const auto data = scatterData(asked, state, progress);
     EXPECT_EQ(data.points.size(), 27u);
@@ -54,7 +42,7 @@ TEST_F(ScatterFixture, PairsDaysOfThePeriodAndCountsOnlyTheirMissingValues) {
 }
 
 TEST_F(ScatterFixture, AutoregressionPairsEachDayWithTheDayBefore) {
-    auto asked = request({1, 0, 3, -999, 5}, {9, 9, 9, 9, 9}, "05/01/1961");
+    auto asked = rainOnPressure({1, 0, 3, -999, 5}, {9, 9, 9, 9, 9});
     asked.autoregression = true;
     auto data = scatterData(asked, state, progress);
     EXPECT_EQ(data.xTitle, "Autoregression");
@@ -67,12 +55,8 @@ TEST_F(ScatterFixture, AutoregressionPairsEachDayWithTheDayBefore) {
 }
 
 TEST_F(ScatterFixture, AFileThatCannotBeOpenedStopsWithItsMessage) {
-    auto asked = request({1, 2}, {3, 4}, "02/01/1961");
+    auto asked = rainOnPressure({1, 2}, {3, 4});
     asked.predictorPaths = {dir.path("absent.dat")};
-    try {
-        scatterData(asked, state, progress);
-        FAIL();
-    } catch (const core::RunStopped& stopped) {
-        EXPECT_EQ(stopped.message(), "Could not find selected file.  Please retry.");
-    }
+    EXPECT_EQ(varo::testing::stopMessage([&] { scatterData(asked, state, progress); }),
+              "Could not find selected file.  Please retry.");
 }

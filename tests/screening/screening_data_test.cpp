@@ -1,56 +1,21 @@
 #include "screening/screening_data.hpp"
 
 #include "core/failure.hpp"
-#include "core/number_format.hpp"
-#include "series_text.hpp"
-#include "support/temp_dir.hpp"
+#include "screening_fixture.hpp"
+#include "support/failure_checks.hpp"
 
 #include <gtest/gtest.h>
 
 using namespace varo;
 using namespace varo::screening;
-using varo::testing::TempDir;
-
-namespace {
-
-struct AssemblyFixture : ::testing::Test {
-    core::ProgramState state;
-    core::NullProgress progress;
-    TempDir dir;
-    AssemblyFixture() { core::initialiseState(state); }
-
-    std::string file(const std::string& name, const std::vector<double>& values) {
-        return varo::testing::writeSeries(dir, name, values);
-    }
-
-    // A file whose value on each day is the day's number, counted from 1.
-    std::string dayNumbers(const std::string& name, int days) {
-        std::vector<double> values;
-        for (int day = 1; day <= days; ++day) {
-            values.push_back(day);
-        }
-        return file(name, values);
-    }
-
-    ScreeningRequest request(const std::string& predictand, std::vector<std::string> predictors,
-                             const std::string& fitStart, const std::string& fitEnd) {
-        ScreeningRequest asked;
-        asked.predictandPath = predictand;
-        asked.predictorPaths = std::move(predictors);
-        asked.fitStart = *core::parseDate(fitStart);
-        asked.fitEnd = *core::parseDate(fitEnd);
-        return asked;
-    }
-};
-
-} // namespace
+using AssemblyFixture = varo::testing::ScreeningFixture;
 
 TEST_F(AssemblyFixture, ConditionalCountsKeepTheDoubleSubtraction) {
     // Rows: at the threshold; predictand missing; event; event with predictor missing;
     // at the threshold with predictor missing (counted twice); event.
     const auto y = file("y.dat", {0, -999, 0.5, 0.2, 0, 1});
     const auto x = file("x.dat", {1, 2, 3, -999, -999, 6});
-    auto asked = request(y, {x}, "01/01/1961", "06/01/1961");
+    auto asked = request(y, {x}, 6);
     asked.conditional = true;
     const auto data = assembleScreeningData(asked, state, progress);
     EXPECT_EQ(data.total, 6);
@@ -68,19 +33,17 @@ TEST_F(AssemblyFixture, ConditionalCountsKeepTheDoubleSubtraction) {
     EXPECT_EQ(all.n(), 3);
     EXPECT_DOUBLE_EQ(all.sums[0], 1.5);
     EXPECT_DOUBLE_EQ(all.sums[1], 10.0);
-}
 
-TEST_F(AssemblyFixture, AnEventIsStrictlyAboveTheThresholdInSinglePrecision) {
-    state.thresh = 0.3f;
-    EXPECT_FALSE(isEvent(0.3, state.thresh));
-    EXPECT_FALSE(isEvent(0.30000000001, state.thresh));
-    EXPECT_TRUE(isEvent(0.3000001, state.thresh));
+    // An event lies strictly above the threshold in single precision.
+    EXPECT_FALSE(isEvent(0.3, 0.3f));
+    EXPECT_FALSE(isEvent(0.30000000001, 0.3f));
+    EXPECT_TRUE(isEvent(0.3000001, 0.3f));
 }
 
 TEST_F(AssemblyFixture, ThePeriodFilterKeepsItsMonthsWhileEveryFileAdvances) {
     const auto y = dayNumbers("y.dat", 730);
     const auto x = dayNumbers("x.dat", 730);
-    auto asked = request(y, {x}, "01/02/1961", "31/12/1962");
+    auto asked = request(y, {x}, 334 + 365, {1, 2, 1961});
     asked.period = 11; // July
     auto data = assembleScreeningData(asked, state, progress);
     ASSERT_EQ(data.total, 62);
@@ -96,7 +59,7 @@ TEST_F(AssemblyFixture, ThePeriodFilterKeepsItsMonthsWhileEveryFileAdvances) {
 TEST_F(AssemblyFixture, AutoregressionLagsThePredictandAndBorrowsItsSum) {
     const auto y = file("y.dat", {1, -999, 3, 4});
     const auto x = file("x.dat", {5, 6, 7, 8});
-    auto asked = request(y, {x}, "01/01/1961", "04/01/1961");
+    auto asked = request(y, {x}, 4);
     asked.autoregression = true;
     auto data = assembleScreeningData(asked, state, progress);
     ASSERT_EQ(data.seriesCount(), 3u);
@@ -113,28 +76,22 @@ TEST_F(AssemblyFixture, AutoregressionLagsThePredictandAndBorrowsItsSum) {
 TEST_F(AssemblyFixture, AShortFileFailsNamingIt) {
     const auto y = dayNumbers("y.dat", 10);
     const auto x = dayNumbers("short.dat", 5);
-    try {
-        assembleScreeningData(request(y, {x}, "03/01/1961", "10/01/1961"), state, progress);
-        FAIL();
-    } catch (const core::Failure& failure) {
-        EXPECT_EQ(failure.number(), core::failure::InputPastEnd);
-        EXPECT_NE(failure.description().find("short.dat"), std::string::npos);
-    }
+    EXPECT_TRUE(varo::testing::failsWith(
+        [&] {
+            assembleScreeningData(request(y, {x}, 8, {3, 1, 1961}), state, progress);
+        },
+        core::failure::InputPastEnd, "short.dat"));
 }
 
 TEST_F(AssemblyFixture, MoreThan52000RowsOverrunTheArrays) {
     state.globalSDate = "01/01/1850";
-    const auto start = *core::parseDate("01/01/1850");
     const auto y = dayNumbers("y.dat", 52001);
     const auto x = dayNumbers("x.dat", 52001);
-    const auto end = core::dateFromSerial(core::serialDay(start) + 52000);
-    auto asked = request(y, {x}, "01/01/1850", core::formatDate(end));
-    try {
-        assembleScreeningData(asked, state, progress);
-        FAIL();
-    } catch (const core::Failure& failure) {
-        EXPECT_EQ(failure.number(), core::failure::FileTooLarge);
-    }
-    asked.fitEnd = core::dateFromSerial(core::serialDay(start) + 51999);
-    EXPECT_EQ(assembleScreeningData(asked, state, progress).total, 52000);
+    EXPECT_TRUE(varo::testing::failsWith(
+        [&] {
+            assembleScreeningData(request(y, {x}, 52001, {1, 1, 1850}), state, progress);
+        },
+        core::failure::FileTooLarge));
+    EXPECT_EQ(assembleScreeningData(request(y, {x}, 52000, {1, 1, 1850}), state, progress).total,
+              52000);
 }
