@@ -37,14 +37,25 @@ SynthesisSettings noiseFree() {
     return s;
 }
 
-// One member's value for one day with predictor value x.
-double oneDay(const SynthesisModel& m, const SynthesisSettings& s, double x,
-              const ReferenceSample* sample = nullptr) {
+// A synthesis of `members` members drawing from a fresh fixed random stream.
+struct Ensemble {
     core::UniformRandom random;
-    DailySynthesis synthesis(m, s, 1, random, sample);
-    double value = 0.0;
-    synthesis.synthesizeDay(1, &x, &value);
-    return value;
+    DailySynthesis synthesis;
+    size_t members;
+    Ensemble(const SynthesisModel& m, const SynthesisSettings& s, int n)
+        : synthesis(m, s, n, random), members(static_cast<size_t>(n)) {}
+
+    // The members' values of a day of `month` with predictor value x.
+    std::vector<double> day(double x, int month = 1) {
+        std::vector<double> values(members);
+        synthesis.synthesizeDay(month, &x, values.data());
+        return values;
+    }
+};
+
+// One member's value for one day with predictor value x.
+double oneDay(const SynthesisModel& m, const SynthesisSettings& s, double x) {
+    return Ensemble(m, s, 1).day(x)[0];
 }
 
 double floorAbove(float thresh) {
@@ -58,14 +69,8 @@ TEST(Noise, IsTheSinglePrecisionSumOfPrecNUniformsLessHalfPrecNTimesTheError) {
     const SynthesisModel m = model(false, 1, {0.0, 0.0, 2.0, 0.0});
     SynthesisSettings s = noiseFree();
     s.precN = 3;
-    core::UniformRandom random;
-    DailySynthesis synthesis(m, s, 2, random);
-    double values[2];
-    const double x = 0.0;
-    synthesis.synthesizeDay(1, &x, values);
-
     core::UniformRandom expected;
-    for (double value : values) {
+    for (double value : Ensemble(m, s, 2).day(0.0)) {
         float sum = 0.0f;
         for (int i = 0; i < 3; ++i) {
             sum += expected.next();
@@ -81,18 +86,13 @@ TEST(FirstStage, LaggedValuesStartFromTheInterceptOfTheFirstMonth) {
         // intercept, coefficient, lag coefficient, standard error, R squared
         m.months[month - 1].occurrence = {month * 1.0, 1.0, 0.5, 0.0, 0.0};
     }
-    core::UniformRandom random;
-    DailySynthesis synthesis(m, noiseFree(), 3, random);
-    synthesis.startLaggedValues(3);
+    Ensemble run(m, noiseFree(), 3);
+    run.synthesis.startLaggedValues(3);
     for (int member = 1; member <= 3; ++member) {
-        EXPECT_EQ(synthesis.laggedValue(member), 3.0);
+        EXPECT_EQ(run.synthesis.laggedValue(member), 3.0);
     }
-    double values[3];
-    const double x = 2.0;
-    synthesis.synthesizeDay(4, &x, values);
-    EXPECT_EQ(values[0], 4.0 + 2.0 + 0.5 * 3.0);
-    synthesis.synthesizeDay(4, &x, values);
-    EXPECT_EQ(values[2], 4.0 + 2.0 + 0.5 * 7.5);
+    EXPECT_EQ(run.day(2.0, 4)[0], 4.0 + 2.0 + 0.5 * 3.0);
+    EXPECT_EQ(run.day(2.0, 4)[2], 4.0 + 2.0 + 0.5 * 7.5);
 }
 
 TEST(FirstStage, NegativeValuesAreCutToZeroOnlyWhenAllowNegIsOff) {
@@ -111,32 +111,18 @@ TEST(MissingDays, WriteTheCodeEverywhereDrawNothingAndKeepTheLags) {
     }
     SynthesisSettings s;
     s.missingCode = -99.0;
-    core::UniformRandom random;
-    DailySynthesis synthesis(m, s, 4, random);
-    synthesis.startLaggedValues(1);
-    double first[4];
-    const double x = 2.0;
-    synthesis.synthesizeDay(1, &x, first);
-    double missing[4];
-    const double code = -99.0;
-    synthesis.synthesizeDay(1, &code, missing);
+    Ensemble run(m, s, 4);
+    run.synthesis.startLaggedValues(1);
+    const auto first = run.day(2.0);
+    EXPECT_EQ(run.day(-99.0), std::vector<double>(4, -99.0));
     for (int member = 0; member < 4; ++member) {
-        EXPECT_EQ(missing[member], -99.0);
-        EXPECT_EQ(synthesis.laggedValue(member + 1), first[member]);
+        EXPECT_EQ(run.synthesis.laggedValue(member + 1), first[static_cast<size_t>(member)]);
     }
-    double after[4];
-    synthesis.synthesizeDay(1, &x, after);
-
-    // The same two days without the missing one between them.
-    core::UniformRandom again;
-    DailySynthesis without(m, s, 4, again);
-    without.startLaggedValues(1);
-    double values[4];
-    without.synthesizeDay(1, &x, values);
-    without.synthesizeDay(1, &x, values);
-    for (int member = 0; member < 4; ++member) {
-        EXPECT_EQ(after[member], values[member]);
-    }
+    // The day after is the day the same run without the missing one between gives.
+    Ensemble without(m, s, 4);
+    without.synthesis.startLaggedValues(1);
+    without.day(2.0);
+    EXPECT_EQ(run.day(2.0), without.day(2.0));
 }
 
 TEST(Occurrence, AFixedThresholdCountsAProbabilityEqualToItAsWetAndDrawsFollowTheProbability) {
@@ -151,15 +137,12 @@ TEST(Occurrence, AFixedThresholdCountsAProbabilityEqualToItAsWetAndDrawsFollowTh
     // (u < 1), one below 0 never is.
     s.conditionalSelection = 1;
     for (const auto& [probability, share] : {std::pair{1.0, 1.0}, {-0.25, 0.0}, {0.3, 0.3}}) {
-        core::UniformRandom random;
         const SynthesisModel m = model(true, 1, {probability, 0.0, 0.0, 0.0}, amount);
-        DailySynthesis synthesis(m, s, 100, random);
-        double values[100];
+        Ensemble run(m, s, 100);
         long wet = 0;
-        const double x = 0.0;
         for (int day = 0; day < 200; ++day) {
-            synthesis.synthesizeDay(1, &x, values);
-            wet += std::count(values, values + 100, 5.0);
+            const auto values = run.day(0.0);
+            wet += std::count(values.begin(), values.end(), 5.0);
         }
         EXPECT_NEAR(wet / 20000.0, share, share == 0.3 ? 0.015 : 0.0) << probability;
     }
@@ -222,16 +205,12 @@ TEST(Amounts, BoxCoxInvertsWithTheShiftAndGivesTheMissingCodeForANonPositiveArgu
         month.amount = {0.0, 1.0, 1.0, 3.0, 0.0};
     }
     s.precN = 12;
-    core::UniformRandom random;
-    DailySynthesis synthesis(m, s, 100, random);
-    double values[100];
-    const double x = 0.0;
-    synthesis.synthesizeDay(1, &x, values);
-    const auto missing = std::count(values, values + 100, s.missingCode);
+    const auto values = Ensemble(m, s, 100).day(0.0);
+    const auto missing = std::count(values.begin(), values.end(), s.missingCode);
     EXPECT_GT(missing, 10);
     EXPECT_LT(missing, 90);
-    EXPECT_TRUE(
-        std::all_of(values, values + 100, [&](double v) { return v == s.missingCode || v > 0.0; }));
+    EXPECT_TRUE(std::all_of(values.begin(), values.end(),
+                            [&](double v) { return v == s.missingCode || v > 0.0; }));
 }
 
 TEST(Amounts, OverflowIsAFailure) {
