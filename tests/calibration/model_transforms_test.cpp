@@ -39,6 +39,30 @@ MatrixObject rowNumbers(int n) {
     return x;
 }
 
+// A month's amounts beside the row numbers, as its fit holds them before the transformation.
+struct Amounts {
+    MatrixObject x;
+    MatrixObject y;
+    explicit Amounts(const std::vector<double>& amounts)
+        : x(rowNumbers(static_cast<int>(amounts.size()))), y(column(amounts)) {}
+    AmountTransform apply(int code, const char* month = "May") {
+        return applyModelTransformation(x, y, code, Missing, month);
+    }
+};
+
+// Observed and fitted values back from the model scale.
+struct Back {
+    std::vector<double> observed;
+    std::vector<double> fitted;
+};
+Back back(const std::vector<double>& observed, const std::vector<double>& fitted,
+          const AmountTransform& transform) {
+    MatrixObject o = column(observed);
+    MatrixObject f = column(fitted);
+    backTransform(o, f, transform, Missing);
+    return {values(o), values(f)};
+}
+
 // A skewed sample: exp of evenly spread normal-like scores.
 std::vector<double> lognormalSample(int n) {
     std::vector<double> out;
@@ -78,65 +102,53 @@ TEST(ConditionalProcess, KeepWetDaysCompactsRowsInOrder) {
 TEST(ModelTransformation, RootAndLogDropNegativeAmountsOrStopSilently) {
     std::vector<double> amounts(15, 16.0);
     amounts[3] = -2.0;
-    MatrixObject x = rowNumbers(15);
-    MatrixObject y = column(amounts);
-    const auto root = applyModelTransformation(x, y, TransformFourthRoot, Missing, "January");
-    ASSERT_EQ(y.rows(), 14);
-    EXPECT_EQ(y.getValue(3, 0), 2.0);
-    EXPECT_EQ(x.getValue(3, 1), 4.0); // row 3 went, and its predictors with it
+    Amounts rooted(amounts);
+    const auto root = rooted.apply(TransformFourthRoot, "January");
+    ASSERT_EQ(rooted.y.rows(), 14);
+    EXPECT_EQ(rooted.y.getValue(3, 0), 2.0);
+    EXPECT_EQ(rooted.x.getValue(3, 1), 4.0); // row 3 went, and its predictors with it
 
     for (int r : {0, 5, 7, 9}) {
         amounts[static_cast<size_t>(r)] = -1.0;
     }
-    MatrixObject x5 = rowNumbers(15);
-    MatrixObject y5 = column(amounts);
     try {
-        applyModelTransformation(x5, y5, TransformLog, Missing, "March");
+        Amounts(amounts).apply(TransformLog, "March");
         FAIL();
     } catch (const SilentStop& stop) {
         EXPECT_NE(std::string(stop.what()).find("Only 10 amounts of March"), std::string::npos);
     }
 
-    MatrixObject xl = rowNumbers(2);
-    MatrixObject yl = column({std::exp(1.5), 1.0});
-    const auto log = applyModelTransformation(xl, yl, TransformLog, Missing, "May");
-    EXPECT_DOUBLE_EQ(yl.getValue(0, 0), 1.5);
-    EXPECT_EQ(yl.rows(), 2); // no negatives: nothing is dropped, however few the rows
+    Amounts logged({std::exp(1.5), 1.0});
+    const auto log = logged.apply(TransformLog);
+    EXPECT_DOUBLE_EQ(logged.y.getValue(0, 0), 1.5);
+    EXPECT_EQ(logged.y.rows(), 2); // no negatives: nothing is dropped, however few the rows
 
-    MatrixObject observed = column({2.0, Missing});
-    MatrixObject fitted = column({1.5, 0.5});
-    backTransform(observed, fitted, root, Missing);
-    EXPECT_EQ(values(observed), (std::vector<double>{16.0, Missing}));
-    EXPECT_EQ(fitted.getValue(1, 0), 0.0625);
-    MatrixObject logged = column({1.5});
-    MatrixObject logFitted = column({0.0});
-    backTransform(logged, logFitted, log, Missing);
-    EXPECT_DOUBLE_EQ(logged.getValue(0, 0), std::exp(1.5));
-    EXPECT_EQ(logFitted.getValue(0, 0), 1.0);
+    const Back fromRoot = back({2.0, Missing}, {1.5, 0.5}, root);
+    EXPECT_EQ(fromRoot.observed, (std::vector<double>{16.0, Missing}));
+    EXPECT_EQ(fromRoot.fitted[1], 0.0625);
+    const Back fromLog = back({1.5}, {0.0}, log);
+    EXPECT_DOUBLE_EQ(fromLog.observed[0], std::exp(1.5));
+    EXPECT_EQ(fromLog.fitted[0], 1.0);
 }
 
 TEST(ModelTransformation, InverseNormalGivesNormalScoresOfTheRanks) {
     // Nine amounts in no order: their scores are the normal quantiles of 0.1 .. 0.9.
     const std::vector<double> amounts{7, 3, 9, 1, 5, 2, 8, 6, 4};
-    MatrixObject x = rowNumbers(9);
-    MatrixObject y = column(amounts);
-    const auto transform = applyModelTransformation(x, y, TransformInverseNormal, Missing, "June");
+    Amounts a(amounts);
+    const auto transform = a.apply(TransformInverseNormal);
     const double quantiles[10] = {0,   -1.2816, -0.8416, -0.5244, -0.2533,
                                   0.0, 0.2533,  0.5244,  0.8416,  1.2816};
     for (size_t r = 0; r < amounts.size(); ++r) {
-        EXPECT_NEAR(y.getValue(static_cast<int>(r), 0), quantiles[static_cast<size_t>(amounts[r])],
-                    3e-4)
+        EXPECT_NEAR(a.y.getValue(static_cast<int>(r), 0),
+                    quantiles[static_cast<size_t>(amounts[r])], 3e-4)
             << "amount " << amounts[r];
     }
     // Back again: each score finds its own amount.
-    MatrixObject observed = y.clone();
-    MatrixObject fitted = column({-5.0, 0.0, 5.0, Missing, 0.0, 0.0, 0.0, 0.0, 0.0});
-    backTransform(observed, fitted, transform, Missing);
-    EXPECT_EQ(values(observed), amounts);
-    EXPECT_EQ(fitted.getValue(0, 0), 1.0); // below the lowest score: the smallest amount
-    EXPECT_EQ(fitted.getValue(1, 0), 5.0); // the median
-    EXPECT_EQ(fitted.getValue(2, 0), 9.0); // above the top: the largest
-    EXPECT_EQ(fitted.getValue(3, 0), Missing);
+    const Back b = back(values(a.y), {-5.0, 0.0, 5.0, Missing, 0.0, 0.0, 0.0, 0.0, 0.0}, transform);
+    EXPECT_EQ(b.observed, amounts);
+    // Below the lowest score the smallest amount, 0 the median, above the top the largest.
+    EXPECT_EQ(std::vector<double>(b.fitted.begin(), b.fitted.begin() + 4),
+              (std::vector<double>{1.0, 5.0, 9.0, Missing}));
 }
 
 TEST(ModelTransformation, BoxCoxFindsTheSymmetricPowerAndGoesBack) {
@@ -146,24 +158,18 @@ TEST(ModelTransformation, BoxCoxFindsTheSymmetricPowerAndGoesBack) {
     for (const double v : lognormalSample(400)) {
         squares.push_back(std::pow(std::log(v) + 10.0, 2.0));
     }
-    MatrixObject x = rowNumbers(400);
-    MatrixObject y = column(squares);
-    const auto transform = applyModelTransformation(x, y, TransformBoxCox, Missing, "July");
+    Amounts a(squares);
+    const auto transform = a.apply(TransformBoxCox);
     EXPECT_NEAR(transform.lamda, 0.5, 0.05);
     EXPECT_EQ(transform.shift, 0.0);
-    EXPECT_NEAR(y.getValue(7, 0), (std::pow(squares[7], transform.lamda) - 1) / transform.lamda,
+    EXPECT_NEAR(a.y.getValue(7, 0), (std::pow(squares[7], transform.lamda) - 1) / transform.lamda,
                 1e-12);
+    EXPECT_NEAR(Amounts(lognormalSample(400)).apply(TransformBoxCox).lamda, 0.0, 0.05);
 
-    MatrixObject xe = rowNumbers(400);
-    MatrixObject ye = column(lognormalSample(400));
-    const auto logLike = applyModelTransformation(xe, ye, TransformBoxCox, Missing, "July");
-    EXPECT_NEAR(logLike.lamda, 0.0, 0.05);
-
-    MatrixObject observed = y.clone();
-    MatrixObject fitted = column(std::vector<double>(400, -1.0 / transform.lamda - 1.0));
-    backTransform(observed, fitted, transform, Missing);
-    EXPECT_NEAR(observed.getValue(7, 0), squares[7], 1e-9);
-    EXPECT_EQ(fitted.getValue(0, 0), Missing); // lamda * v + 1 is not above 0
+    const Back b =
+        back(values(a.y), std::vector<double>(400, -1.0 / transform.lamda - 1.0), transform);
+    EXPECT_NEAR(b.observed[7], squares[7], 1e-9);
+    EXPECT_EQ(b.fitted[0], Missing); // lamda * v + 1 is not above 0
 }
 
 TEST(ModelTransformation, BoxCoxShiftLeavesTheFirstRowOut) {
@@ -171,34 +177,25 @@ TEST(ModelTransformation, BoxCoxShiftLeavesTheFirstRowOut) {
     // it and the search fails; shifted, it would have gone through.
     std::vector<double> sample = lognormalSample(100);
     sample[0] = -50.0;
-    MatrixObject x = rowNumbers(100);
-    MatrixObject y = column(sample);
-    EXPECT_THROW(applyModelTransformation(x, y, TransformBoxCox, Missing, "May"),
-                 varo::core::RunStopped);
+    EXPECT_THROW(Amounts(sample).apply(TransformBoxCox), varo::core::RunStopped);
 
     sample[0] = 3.0;
     sample[5] = -2.0;
-    MatrixObject x2 = rowNumbers(100);
-    MatrixObject y2 = column(sample);
-    const auto shifted = applyModelTransformation(x2, y2, TransformBoxCox, Missing, "May");
+    Amounts a(sample);
+    const auto shifted = a.apply(TransformBoxCox);
     EXPECT_EQ(shifted.shift, 2.0);
-    MatrixObject observed = y2.clone();
-    MatrixObject fitted = y2.clone();
-    backTransform(observed, fitted, shifted, Missing);
+    const Back b = back(values(a.y), values(a.y), shifted);
     // The shifted minimum is 0, whose transform -1/lamda - shift lies on the edge of the
     // inverse: it cannot come back.
-    EXPECT_EQ(observed.getValue(5, 0), Missing);
-    EXPECT_NEAR(observed.getValue(9, 0), sample[9], 1e-9);
+    EXPECT_EQ(b.observed[5], Missing);
+    EXPECT_NEAR(b.observed[9], sample[9], 1e-9);
     // The unshifted first row comes back less the shift.
-    EXPECT_NEAR(observed.getValue(0, 0), 1.0, 1e-9);
+    EXPECT_NEAR(b.observed[0], 1.0, 1e-9);
 }
 
 TEST(ModelTransformation, BoxCoxWithTooFewWetDaysStopsWithTheTwoPartMessage) {
-    const auto message = [](std::vector<double> values) {
-        MatrixObject x = rowNumbers(static_cast<int>(values.size()));
-        MatrixObject y = column(values);
-        return varo::testing::stopMessage(
-            [&] { applyModelTransformation(x, y, TransformBoxCox, Missing, "August"); });
+    const auto message = [](const std::vector<double>& values) {
+        return varo::testing::stopMessage([&] { Amounts(values).apply(TransformBoxCox); });
     };
     EXPECT_EQ(message(lognormalSample(49)),
               "Sorry an error has occurred calculating the optimum lamda transform. There "
