@@ -46,7 +46,7 @@ TEST(FirstPass, MissingForInactiveRowsAllDryRowsAndMaximaBelowTheStart) {
     EXPECT_EQ(low[1][column::Mean], -2500000.0);
 }
 
-TEST(FirstPass, WetFilterTurnsEveryStatisticIntoAWetDayStatistic) {
+TEST(FirstPass, WetFilterTurnsEveryStatisticIntoAWetDayStatisticAndRangesGoByBlock) {
     const std::vector<double> list = {0.0, 0.0, 4.0, 2.0, Missing, BE, RE};
     const auto plain = compute(rowsWith({{1, list}}), settingsFor({column::Mean, column::Count}));
     EXPECT_DOUBLE_EQ(plain[1][column::Mean], 1.5);
@@ -64,6 +64,11 @@ TEST(FirstPass, WetFilterTurnsEveryStatisticIntoAWetDayStatistic) {
     const auto ranges =
         compute(rowsWith({{1, list}}), settingsFor({column::Mean, column::MaxRange}));
     EXPECT_DOUBLE_EQ(ranges[1][column::Mean], 1.5);
+    // Ranges are taken per block and skip empty blocks.
+    const auto perBlock = compute(rowsWith({{1, {1.0, 5.0, BE, Missing, BE, 2.0, 2.0, BE, RE}}}),
+                                  settingsFor({column::MaxRange, column::MinRange}));
+    EXPECT_EQ(perBlock[1][column::MaxRange], 4.0);
+    EXPECT_EQ(perBlock[1][column::MinRange], 0.0);
 }
 
 TEST(FirstPass, PeakThresholdsCompareInSinglePrecision) {
@@ -74,13 +79,6 @@ TEST(FirstPass, PeakThresholdsCompareInSinglePrecision) {
     const auto p = compute(rowsWith({{1, {0.1000000015, 0.2, 0.05, BE, RE}}}), plain);
     EXPECT_EQ(p[1][column::Pot], 2.0); // at or above
     EXPECT_EQ(p[1][column::Pbt], 2.0); // at or below
-}
-
-TEST(FirstPass, RangesPerBlockSkipEmptyBlocks) {
-    const auto t = compute(rowsWith({{1, {1.0, 5.0, BE, Missing, BE, 2.0, 2.0, BE, RE}}}),
-                           settingsFor({column::MaxRange, column::MinRange}));
-    EXPECT_EQ(t[1][column::MaxRange], 4.0);
-    EXPECT_EQ(t[1][column::MinRange], 0.0);
 }
 
 TEST(Moments, PopulationVarianceAndSkewness) {
@@ -158,7 +156,7 @@ TEST(Autocorrelation, PairsOfNeighbouringRealValuesWithinABlock) {
     EXPECT_EQ(t[3][column::Acf], 1.0);     // no spread: the root is 0
 }
 
-TEST(Spells, ABlockEndClosesASpell) {
+TEST(Spells, ABlockEndOrAMissingDayClosesASpellAndMediansFollowTheCount) {
     const auto t = compute(
         rowsWith({{1, {1.0, 1.0, BE, 1.0, 0.0, 0.0, BE, RE}}}),
         settingsFor({column::WetSpell, column::DrySpell, column::MaxWetSpell, column::SdWetSpell,
@@ -170,22 +168,21 @@ TEST(Spells, ABlockEndClosesASpell) {
     EXPECT_DOUBLE_EQ(t[1][column::WetPersis], 2.0 / 3.0);
     EXPECT_EQ(t[1][column::DryPersis], 1.0);
     EXPECT_DOUBLE_EQ(t[1][column::PersisCorr], 2.0 / 3.0);
-}
 
-TEST(Spells, AMissingDaySplitsAWetSpellAndMediansFollowTheCount) {
-    const auto t = compute(
+    // A missing day splits a wet spell, and medians follow the count.
+    const auto u = compute(
         rowsWith({{1, {1.0, 1.0, Missing, 1.0, 1.0, 1.0, 0.0, BE, RE}},
                   {2, {Missing, 1.0, BE, 3.0, 0.0, 2.0, 2.0, 0.0, 4.0, 4.0, 4.0, BE, RE}}}),
         settingsFor({column::WetSpell, column::MedWet, column::MedDry, column::PersisCorr}));
-    EXPECT_DOUBLE_EQ(t[1][column::WetSpell], 2.5);
-    EXPECT_DOUBLE_EQ(t[1][column::MedWet], 2.5); // even count: mean of the middle two
-    EXPECT_EQ(t[1][column::MedDry], 1.0);        // one spell: its length
+    EXPECT_DOUBLE_EQ(u[1][column::WetSpell], 2.5);
+    EXPECT_DOUBLE_EQ(u[1][column::MedWet], 2.5); // even count: mean of the middle two
+    EXPECT_EQ(u[1][column::MedDry], 1.0);        // one spell: its length
     // A leading missing value leaves the first class open; wet spells 1, 1, 2, 3.
-    EXPECT_DOUBLE_EQ(t[2][column::WetSpell], 7.0 / 4.0);
-    EXPECT_DOUBLE_EQ(t[2][column::MedWet], 1.5);
+    EXPECT_DOUBLE_EQ(u[2][column::WetSpell], 7.0 / 4.0);
+    EXPECT_DOUBLE_EQ(u[2][column::MedWet], 1.5);
     // Dry spells all of length 1: no dry persistence, so no correlation.
-    EXPECT_EQ(t[2][column::DryPersis], 0.0);
-    EXPECT_EQ(t[2][column::PersisCorr], Missing);
+    EXPECT_EQ(u[2][column::DryPersis], 0.0);
+    EXPECT_EQ(u[2][column::PersisCorr], Missing);
     const auto odd = compute(rowsWith({{1, {1.0, 0.0, 1.0, 1.0, 1.0, 0.0, 1.0, 1.0, BE, RE}}}),
                              settingsFor({column::MedWet}));
     EXPECT_EQ(odd[1][column::MedWet], 2.0); // spells 1, 3, 2
@@ -194,7 +191,7 @@ TEST(Spells, AMissingDaySplitsAWetSpellAndMediansFollowTheCount) {
     EXPECT_EQ(none[1][column::WetSpell], 0.0); // an empty list gives 0
 }
 
-TEST(Percentiles, ByTheInterpolationRuleOverCountedValues) {
+TEST(Percentiles, ByTheInterpolationRuleOverCountedValuesAndPopByTheYearsLevel) {
     std::vector<double> list = {10.0, 3.0, 7.0, 1.0, Missing, 5.0, 2.0,
                                 BE,   9.0, 4.0, 8.0, 6.0,     BE,  RE};
     auto settings = settingsFor({column::Median, column::Percentile, column::Iqr});
@@ -207,22 +204,21 @@ TEST(Percentiles, ByTheInterpolationRuleOverCountedValues) {
     EXPECT_EQ(t[2][column::Iqr], 0.0);
     settings.percentile = 100.0f;
     EXPECT_EQ(compute(rowsWith({{1, list}}), settings)[1][column::Percentile], 10.0);
-}
 
-TEST(Percentiles, PopCountsAboveTheLevelOfTheYearsValues) {
-    auto settings = settingsFor({column::Pop, column::PopTot});
+    // POP counts values above the level of the year's values.
+    settings = settingsFor({column::Pop, column::PopTot});
     settings.potPercentile = 50.0f;
     // The year's list is given unsorted; its level is 6.5 once sorted.
-    const auto t = compute(rowsWith({{1, {3.0, 1.0, 2.0, BE, RE}},
-                                     {7, {30.0, 10.0, 20.0, BE, RE}},
-                                     {17, {3.0, 1.0, 2.0, BE, 30.0, 0.0, 10.0, 20.0, BE, RE}}}),
-                           settings);
-    EXPECT_EQ(t[1][column::Pop], 0.0);
-    EXPECT_EQ(t[1][column::PopTot], 0.0);
-    EXPECT_EQ(t[7][column::Pop], 3.0);
-    EXPECT_EQ(t[7][column::PopTot], 1.0);
-    EXPECT_EQ(t[17][column::Pop], 3.0);
-    EXPECT_DOUBLE_EQ(t[17][column::PopTot], 60.0 / 66.0);
+    const auto pop = compute(rowsWith({{1, {3.0, 1.0, 2.0, BE, RE}},
+                                       {7, {30.0, 10.0, 20.0, BE, RE}},
+                                       {17, {3.0, 1.0, 2.0, BE, 30.0, 0.0, 10.0, 20.0, BE, RE}}}),
+                             settings);
+    EXPECT_EQ(pop[1][column::Pop], 0.0);
+    EXPECT_EQ(pop[1][column::PopTot], 0.0);
+    EXPECT_EQ(pop[7][column::Pop], 3.0);
+    EXPECT_EQ(pop[7][column::PopTot], 1.0);
+    EXPECT_EQ(pop[17][column::Pop], 3.0);
+    EXPECT_DOUBLE_EQ(pop[17][column::PopTot], 60.0 / 66.0);
 }
 
 TEST(Sums, MeanTotalPerBlockFromTheLargestBlockCount) {
