@@ -68,9 +68,6 @@ TEST(CalibrateGolden, UnconditionalAnnualWithTwoPredictors) {
     Calibrator run;
     const CalibrationResults results = run(state, request(ModelType::Annual, false));
     expectCoefficients(results.parameters.months[0].coefficients, reference("annual"), "annual");
-    for (const auto& month : results.parameters.months) {
-        EXPECT_EQ(month.coefficients, results.parameters.months[0].coefficients);
-    }
     expectGolden(results.parameters, "annual_unconditional.PAR");
     // Unconditional fits keep their residual pairs, one a day of the fit.
     EXPECT_EQ(results.residualPairs.size(), static_cast<size_t>(results.statistics[0].rows));
@@ -87,10 +84,6 @@ TEST(CalibrateGolden, MonthlyConditionalBoxCox) {
     for (int m = 1; m <= 12; ++m) {
         expectCoefficients(results.parameters.months[static_cast<size_t>(m - 1)].coefficients,
                            reference("occurrence", m), "occurrence of month " + std::to_string(m));
-        const auto& month = results.parameters.months[static_cast<size_t>(m - 1)];
-        EXPECT_GE(month.lamda, -2.35);
-        EXPECT_LE(month.lamda, 2.35);
-        EXPECT_EQ(month.shift, 0.0); // amounts above a threshold of 0 need no shift
         EXPECT_GT(results.statistics[static_cast<size_t>(m - 1)].third, 0.5); // prop correct
     }
     expectGolden(results.parameters, "monthly_conditional_boxcox.PAR");
@@ -101,12 +94,7 @@ TEST(CalibrateGolden, SeasonalConditionalInverseNormalRepeatsSeasonRows) {
     state.modelTransformation = 4.0f;
     Calibrator run;
     const CalibrationResults results = run(state, request(ModelType::Seasonal, true));
-    const auto& months = results.parameters.months;
-    EXPECT_EQ(months[0].coefficients, months[11].coefficients); // January as December
-    EXPECT_EQ(months[1].coefficients, months[11].coefficients);
-    EXPECT_NE(months[2].coefficients, months[1].coefficients);
-    EXPECT_EQ(results.parameters.amounts[5].meanRatio, results.parameters.amounts[7].meanRatio);
-    EXPECT_NE(results.parameters.amounts[5].meanRatio, 1.0);
+    // The golden file repeats each season's rows for its months.
     EXPECT_EQ(run.meanRatio[6], results.parameters.amounts[6].meanRatio); // kept for later runs
     expectGolden(results.parameters, "seasonal_conditional_inverse_normal.PAR");
 

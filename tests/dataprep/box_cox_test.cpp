@@ -3,6 +3,7 @@
 #include "core/failure.hpp"
 #include "core/notices.hpp"
 #include "core/number_format.hpp"
+#include "support/failure_checks.hpp"
 #include "support/temp_dir.hpp"
 
 #include <gtest/gtest.h>
@@ -13,7 +14,9 @@
 
 using namespace varo;
 using namespace varo::dataprep;
+using varo::testing::failsWith;
 using varo::testing::readFile;
+using varo::testing::stopMessage;
 using varo::testing::TempDir;
 
 namespace {
@@ -35,15 +38,6 @@ std::vector<double> skewed(int count) {
         values.push_back(0.01 * i * i);
     }
     return values;
-}
-
-std::string stopMessage(const std::function<void()>& run) {
-    try {
-        run();
-    } catch (const core::RunStopped& stopped) {
-        return stopped.message();
-    }
-    return "no stop";
 }
 
 struct BoxCoxFixture : ::testing::Test {
@@ -100,12 +94,9 @@ TEST_F(BoxCoxFixture, ANegativeMinimumShiftsThePowerAndTheShiftIsTakenOffAgain) 
     EXPECT_EQ(forward(lines(values)).shift, 0.0);
 }
 
-TEST_F(BoxCoxFixture, AConstantSeriesHasNoSpreadAndStops) {
+TEST_F(BoxCoxFixture, AConstantSeriesAndFilesOfManyColumnsStop) {
     EXPECT_EQ(stopMessage([&] { forward(lines(std::vector<double>(80, 4.5))); }),
               "Sorry an error has occurred calculating the optimum lamda transform.");
-}
-
-TEST_F(BoxCoxFixture, OnlySingleColumnFilesAreTransformed) {
     EXPECT_EQ(stopMessage([&] { forward("1 2\r\n", 2); }),
               "Sorry - Box Cox transformation can only be applied to single column data files.");
     EXPECT_EQ(stopMessage([&] {
@@ -156,25 +147,18 @@ TEST_F(BoxCoxFixture, TheInverseWritesWhatItCannotConvertAsMissing) {
 }
 
 TEST_F(BoxCoxFixture, OverflowAndCapacityFailWithTheirNumbers) {
-    try {
-        unBoxCoxFile(dir.write("in.dat", "1\r\n800\r\n"), dir.path("out.dat"), 1, 0.0, 0.0, -999.0,
-                     progress);
-        FAIL();
-    } catch (const core::Failure& failure) {
-        EXPECT_EQ(failure.number(), core::failure::OverflowOccurred);
-        EXPECT_NE(failure.description().find("is incomplete"), std::string::npos);
-    }
+    EXPECT_TRUE(failsWith(
+        [&] {
+            unBoxCoxFile(dir.write("in.dat", "1\r\n800\r\n"), dir.path("out.dat"), 1, 0.0, 0.0,
+                         -999.0, progress);
+        },
+        core::failure::OverflowOccurred, "is incomplete"));
     EXPECT_EQ(readFile(dir.path("out.dat")), "2.718282\r\n");
     std::string many;
     for (long i = 0; i <= BoxCoxCapacity; ++i) {
         many += "1\n";
     }
-    try {
-        forward(many);
-        FAIL();
-    } catch (const core::Failure& failure) {
-        EXPECT_EQ(failure.number(), core::failure::FileTooLarge);
-    }
+    EXPECT_TRUE(failsWith([&] { forward(many); }, core::failure::FileTooLarge));
 }
 
 TEST(LamdaSearch, OrderStatisticsComeFromTheZeroBasedRows) {

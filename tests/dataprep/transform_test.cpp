@@ -2,6 +2,7 @@
 
 #include "core/failure.hpp"
 #include "core/notices.hpp"
+#include "support/failure_checks.hpp"
 #include "support/temp_dir.hpp"
 
 #include <gtest/gtest.h>
@@ -10,6 +11,7 @@
 
 using namespace varo;
 using namespace varo::dataprep;
+using varo::testing::failsWith;
 using varo::testing::readFile;
 using varo::testing::TempDir;
 
@@ -163,7 +165,7 @@ TEST_F(TransformFixture, BackwardChangeRunsPerColumnAcrossMissingValues) {
     EXPECT_EQ(counts.notConverted, 0);
 }
 
-TEST_F(TransformFixture, PositiveLagMovesRowsUpAndFillsOrWraps) {
+TEST_F(TransformFixture, LagsMoveRowsUpOrDownAndFillOrWrap) {
     const std::string input = "1\r\n2\r\n3\r\n-999\r\n";
     EXPECT_EQ(run(input, lag(2, false)), " 3            \r\n"
                                          "-999          \r\n"
@@ -179,39 +181,28 @@ TEST_F(TransformFixture, PositiveLagMovesRowsUpAndFillsOrWraps) {
     // Lag 0 is a plain copy in the general form, zone by zone.
     EXPECT_EQ(run("1.5 2\r\n3 4\r\n", lag(0, false, 2)), " 1.5           2            \r\n"
                                                          " 3             4            \r\n");
-}
-
-TEST_F(TransformFixture, NegativeLagMovesRowsDownAndFillsOrWraps) {
-    const std::string input = "1 10\r\n2 20\r\n3 30\r\n";
-    EXPECT_EQ(run(input, lag(-1, false, 2)), "-999          -999          \r\n"
+    // A negative lag moves rows down.
+    const std::string pairs = "1 10\r\n2 20\r\n3 30\r\n";
+    EXPECT_EQ(run(pairs, lag(-1, false, 2)), "-999          -999          \r\n"
                                              " 1             10           \r\n"
                                              " 2             20           \r\n");
-    EXPECT_EQ(run(input, lag(-1, true, 2)), " 3             30           \r\n"
+    EXPECT_EQ(run(pairs, lag(-1, true, 2)), " 3             30           \r\n"
                                             " 1             10           \r\n"
                                             " 2             20           \r\n");
 }
 
 TEST_F(TransformFixture, LagsBeyondTheFileStopWithTheirMessages) {
-    try {
-        run("1\r\n2\r\n3\r\n", lag(-3, true));
-        FAIL() << "a lag of -3 over 3 rows must stop";
-    } catch (const core::RunStopped& stopped) {
-        EXPECT_EQ(stopped.message(),
-                  "Negative lag value is too 'large' for this file - file contains only 3 rows.");
-    }
+    EXPECT_EQ(varo::testing::stopMessage([&] { run("1\r\n2\r\n3\r\n", lag(-3, true)); }),
+              "Negative lag value is too 'large' for this file - file contains only 3 rows.");
     EXPECT_EQ(readFile(dir.path("out.dat")), "");
     EXPECT_EQ(run("1\r\n2\r\n3\r\n", lag(-2, true)), " 2            \r\n"
                                                      " 3            \r\n"
                                                      " 1            \r\n");
-    try {
-        run("1\r\n2\r\n3\r\n", lag(4, false));
-        FAIL() << "a lag of 4 over 3 rows must fail";
-    } catch (const core::Failure& failure) {
-        EXPECT_EQ(failure.number(), core::failure::InputPastEnd);
-        EXPECT_NE(failure.description().find("holds only 3 rows, fewer than the lag of 4 rows."),
-                  std::string::npos);
-        EXPECT_NE(failure.description().find("is incomplete"), std::string::npos);
-    }
+    EXPECT_TRUE(failsWith([&] { run("1\r\n2\r\n3\r\n", lag(4, false)); },
+                          core::failure::InputPastEnd,
+                          "holds only 3 rows, fewer than the lag of 4 rows."));
+    EXPECT_TRUE(failsWith([&] { run("1\r\n2\r\n3\r\n", lag(4, false)); },
+                          core::failure::InputPastEnd, "is incomplete"));
     EXPECT_EQ(readFile(dir.path("out.dat")), "");
 }
 
@@ -230,33 +221,20 @@ TEST_F(TransformFixture, ExtractionWritesOneColumnUnpaddedAndCountsOnlyItsMissin
               "3 rows processed.\r\n1 missing value(s) in extracted ensemble.");
 }
 
-TEST_F(TransformFixture, ValuesThatDoNotFillRowsFailAndSayTheOutputIsIncomplete) {
+TEST_F(TransformFixture, ValuesThatDoNotFillRowsOrAreNoNumbersFailAndSayTheOutputIsIncomplete) {
     TransformSettings settings;
     settings.code = transform::Copy;
     settings.columns = 3;
-    try {
-        run("1 2 3\r\n4 5\r\n", settings);
-        FAIL() << "5 values do not make rows of 3";
-    } catch (const core::Failure& failure) {
-        EXPECT_EQ(failure.number(), core::failure::InputPastEnd);
-        EXPECT_NE(failure.description().find("ends part way through row 2"), std::string::npos);
-        EXPECT_NE(failure.description().find("\r\nThe output file '" + dir.path("out.dat") +
-                                             "' is incomplete"),
-                  std::string::npos);
-    }
+    EXPECT_TRUE(failsWith([&] { run("1 2 3\r\n4 5\r\n", settings); }, core::failure::InputPastEnd,
+                          "ends part way through row 2"));
+    EXPECT_TRUE(failsWith([&] { run("1 2 3\r\n4 5\r\n", settings); }, core::failure::InputPastEnd,
+                          "\r\nThe output file '" + dir.path("out.dat") + "' is incomplete"));
     EXPECT_EQ(readFile(dir.path("out.dat")), " 1             2             3            \r\n");
-}
-
-TEST_F(TransformFixture, ANonNumericTokenFailsNamingItsLine) {
-    TransformSettings settings;
+    // A word fails naming its line.
     settings.code = transform::Exp;
-    try {
-        run("1\r\n2\r\nx7\r\n", settings);
-        FAIL();
-    } catch (const core::Failure& failure) {
-        EXPECT_EQ(failure.number(), core::failure::TypeMismatch);
-        EXPECT_NE(failure.description().find("'x7' on line 3"), std::string::npos);
-    }
+    settings.columns = 1;
+    EXPECT_TRUE(failsWith([&] { run("1\r\n2\r\nx7\r\n", settings); }, core::failure::TypeMismatch,
+                          "'x7' on line 3"));
 }
 
 TEST_F(TransformFixture, ACancelLeavesTheRowsAlreadyWritten) {
@@ -273,12 +251,7 @@ TEST_F(TransformFixture, ANegativeLagCannotStoreMoreThan52000Rows) {
     for (long i = 0; i <= LagStoreRows; ++i) {
         rows += "1\n";
     }
-    try {
-        run(rows, lag(-1, false));
-        FAIL();
-    } catch (const core::Failure& failure) {
-        EXPECT_EQ(failure.number(), core::failure::FileTooLarge);
-    }
+    EXPECT_TRUE(failsWith([&] { run(rows, lag(-1, false)); }, core::failure::FileTooLarge));
     rows.resize(rows.size() - 2);
     TransformCounts counts;
     run(rows, lag(-1, false), &counts);
@@ -296,13 +269,11 @@ TEST(TransformReport, LinesFollowTheCounts) {
               "4 rows processed.\r\nNo missing values in extracted ensemble.");
 }
 
-TEST(TransformOptions, NamesCaptionsAndTipsInCodeOrder) {
+TEST(TransformOptions, InCodeOrderAndFoundByName) {
     const auto& options = transformOptions();
     for (size_t i = 0; i < options.size(); ++i) {
         EXPECT_EQ(options[i].code, static_cast<int>(i) + 1);
     }
-    EXPECT_EQ(findTransformOption("cbrt")->caption, "X^0.33");
-    EXPECT_EQ(findTransformOption("pow4")->toolTip, "X to the power 4  ");
     EXPECT_EQ(findTransformOption("unboxcox")->code, transform::UnBoxCox);
     EXPECT_EQ(findTransformOption("log"), nullptr);
 }
@@ -319,11 +290,7 @@ TEST(DescriptionCopy, LandsBesideTheInputUnderTheOutputsName) {
     // Copying the description onto itself leaves it alone.
     EXPECT_EQ(copyDescriptionFile(in, dir.path("elsewhere/run.OUT")), dir.path("run.SIM"));
     EXPECT_EQ(readFile(dir.path("run.SIM")), "description\r\n");
-    try {
-        copyDescriptionFile(dir.write("plain.dat", "1\r\n"), dir.path("x.dat"));
-        FAIL();
-    } catch (const core::Failure& failure) {
-        EXPECT_EQ(failure.number(), core::failure::FileNotFound);
-        EXPECT_NE(failure.description().find("plain.SIM"), std::string::npos);
-    }
+    EXPECT_TRUE(
+        failsWith([&] { copyDescriptionFile(dir.write("plain.dat", "1\r\n"), dir.path("x.dat")); },
+                  core::failure::FileNotFound, "plain.SIM"));
 }
