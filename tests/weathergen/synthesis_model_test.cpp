@@ -55,6 +55,9 @@ TEST(ParameterReading, RowsAreTakenByFourteenCharacterColumnsNotByBlanks) {
     EXPECT_EQ(march.lamda, 0.25);
     EXPECT_EQ(march.shift, 1.5);
     EXPECT_EQ(march.amount, (std::vector<double>{0.1, 1.0, 2.0, 0.7, 0.4}));
+    EXPECT_EQ(model.header.recordStartText, "01/01/1961");
+    EXPECT_EQ(model.header.recordLength, 10957);
+    EXPECT_EQ(model.header.fitLength, 3650);
     EXPECT_TRUE(model.header.conditional);
     EXPECT_FALSE(model.header.autoRegressive);
     EXPECT_TRUE(model.header.hasAutoRegressionLine);
