@@ -1,5 +1,7 @@
 #include "calibration/calibration_report.hpp"
 
+#include "calibration_test_support.hpp"
+
 #include <gtest/gtest.h>
 
 using namespace varo::calibration;
@@ -7,12 +9,6 @@ using namespace varo::calibration;
 namespace {
 
 constexpr double Missing = -999.0;
-
-varo::core::ProgramState state() {
-    varo::core::ProgramState s;
-    varo::core::initialiseState(s);
-    return s;
-}
 
 // Every month alike except March, whose values are missing, and June, whose Chow value is
 // above its critical value.
@@ -54,7 +50,7 @@ TEST(ChowCriticalValue, RowsByDegreesOfFreedomAndColumnsByPredictors) {
 }
 
 TEST(CalibrationReport, UnconditionalTableWithMeanAndMissingMonths) {
-    const auto s = state();
+    const auto s = varo::testing::sixYearState();
     ReportOptions options;
     const CalibrationReport report = buildReport(s, results(), options);
     EXPECT_EQ(report.headingLines,
@@ -76,7 +72,7 @@ TEST(CalibrationReport, UnconditionalTableWithMeanAndMissingMonths) {
 }
 
 TEST(CalibrationReport, ConditionalTablesAndTheChowColumn) {
-    const auto s = state();
+    const auto s = varo::testing::sixYearState();
     ReportOptions options;
     options.conditional = true;
     options.autoregression = true;
@@ -111,7 +107,7 @@ TEST(CalibrationReport, ConditionalTablesAndTheChowColumn) {
 }
 
 TEST(CalibrationReport, CrossValidationColumnsSitRightOfTheFitAndMayBeAllMissing) {
-    const auto s = state();
+    const auto s = varo::testing::sixYearState();
     CrossValidationTable cv{};
     for (auto& row : cv) {
         row.fill(Missing);

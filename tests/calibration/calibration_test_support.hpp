@@ -61,6 +61,23 @@ public:
     std::vector<std::string> informations;
 };
 
+// A one-column matrix of the values, and the values of a matrix's column.
+inline calibration::MatrixObject column(const std::vector<double>& values) {
+    calibration::MatrixObject m(static_cast<int>(values.size()), 1);
+    for (size_t r = 0; r < values.size(); ++r) {
+        m.setValue(static_cast<int>(r), 0, values[r]);
+    }
+    return m;
+}
+
+inline std::vector<double> values(const calibration::MatrixObject& m, int col = 0) {
+    std::vector<double> out;
+    for (int r = 0; r < m.rows(); ++r) {
+        out.push_back(m.getValue(r, col));
+    }
+    return out;
+}
+
 // Rows of "y x1 .. xk" read from a data file: Y, and X with its column of ones.
 struct Design {
     calibration::MatrixObject x;

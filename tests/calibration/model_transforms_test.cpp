@@ -1,5 +1,6 @@
 #include "calibration/model_transforms.hpp"
 
+#include "calibration_test_support.hpp"
 #include "core/notices.hpp"
 #include "support/failure_checks.hpp"
 
@@ -8,26 +9,12 @@
 #include <vector>
 
 using namespace varo::calibration;
+using varo::testing::column;
+using varo::testing::values;
 
 namespace {
 
 constexpr double Missing = -999.0;
-
-MatrixObject column(const std::vector<double>& values) {
-    MatrixObject m(static_cast<int>(values.size()), 1);
-    for (size_t r = 0; r < values.size(); ++r) {
-        m.setValue(static_cast<int>(r), 0, values[r]);
-    }
-    return m;
-}
-
-std::vector<double> values(const MatrixObject& m, int col = 0) {
-    std::vector<double> out;
-    for (int r = 0; r < m.rows(); ++r) {
-        out.push_back(m.getValue(r, col));
-    }
-    return out;
-}
 
 // X with a constant column and the row number, so that moved rows can be recognised.
 MatrixObject rowNumbers(int n) {

@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 using namespace varo::calibration;
+using varo::testing::column;
 using varo::testing::CountingProgress;
 using varo::testing::readDesign;
 using varo::testing::RecordingNotifier;
@@ -66,15 +67,6 @@ struct Fixture {
     RecordingNotifier notifier;
     FitEnvironment environment{progress, notifier};
 };
-
-MatrixObject column(std::initializer_list<double> values) {
-    MatrixObject m(static_cast<int>(values.size()), 1);
-    int r = 0;
-    for (double v : values) {
-        m.setValue(r++, 0, v);
-    }
-    return m;
-}
 
 // A design of n rows: x1 a slow wave, x2 a fast one, y from both with a kink halfway so
 // that the halves of a Chow test differ.
