@@ -1,5 +1,5 @@
 // A `Progress` for tests: records each caption when it differs from the one before, and
-// asks for a stop once it has had more than a given number of reports.
+// asks for a stop once, as a confirmed cancel does, after more than a given number of reports.
 #pragma once
 
 #include "core/progress.hpp"
@@ -20,13 +20,20 @@ public:
             captions.emplace_back(caption);
         }
     }
-    bool stopRequested() override { return stopAfter_ >= 0 && reports_ > stopAfter_; }
+    bool stopRequested() override {
+        if (stopped_ || stopAfter_ < 0 || reports_ <= stopAfter_) {
+            return false;
+        }
+        stopped_ = true;
+        return true;
+    }
 
     std::vector<std::string> captions;
 
 private:
     long stopAfter_;
     long reports_ = 0;
+    bool stopped_ = false;
 };
 
 } // namespace varo::testing
