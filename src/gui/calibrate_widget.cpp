@@ -144,20 +144,14 @@ CalibrateWidget::CalibrateWidget(ScreenContext& context, QWidget* parent)
 QWidget* CalibrateWidget::buildFiles() {
     auto* box = new QGroupBox("Files", this);
     auto* layout = new QVBoxLayout(box);
-    auto* predictandRow = new QHBoxLayout();
-    auto* pickPredictand = namedButton("Select Predictand", "PredictandButton", box);
-    predictandLabel_ = namedLabel("PtandText", box);
-    predictandRow->addWidget(pickPredictand);
-    predictandRow->addWidget(predictandLabel_, 1);
-    layout->addLayout(predictandRow);
-
-    auto* folderRow = new QHBoxLayout();
-    auto* pickFolder = namedButton("Predictor Folder...", "Dir2", box);
-    folderLabel_ = namedLabel("Dir2Text", box);
+    const PickRow predictand =
+        addPickRow(layout, "Select Predictand", "PredictandButton", "PtandText", box);
+    auto* pickPredictand = predictand.button;
+    predictandLabel_ = predictand.label;
+    const PickRow folder = addPickRow(layout, "Predictor Folder...", "Dir2", "Dir2Text", box);
+    auto* pickFolder = folder.button;
+    folderLabel_ = folder.label;
     folderLabel_->setWordWrap(true);
-    folderRow->addWidget(pickFolder);
-    folderRow->addWidget(folderLabel_, 1);
-    layout->addLayout(folderRow);
 
     layout->addWidget(new QLabel("Select predictors:", box));
     predictors_ = new QListWidget(box);

@@ -49,19 +49,13 @@ ScreenVarsWidget::ScreenVarsWidget(ScreenContext& context, QWidget* parent)
 QWidget* ScreenVarsWidget::buildFiles() {
     auto* box = new QGroupBox("Files", this);
     auto* layout = new QVBoxLayout(box);
-    auto* predictandRow = new QHBoxLayout();
-    auto* pickPredictand = namedButton("Select Predictand", "PredtandButton", box);
-    predictandLabel_ = namedLabel("PtandText", box);
-    predictandRow->addWidget(pickPredictand);
-    predictandRow->addWidget(predictandLabel_, 1);
-    layout->addLayout(predictandRow);
-
-    auto* folderRow = new QHBoxLayout();
-    auto* pickFolder = namedButton("Predictor Folder...", "Dir2", box);
-    folderLabel_ = namedLabel("Dir2Text", box);
-    folderRow->addWidget(pickFolder);
-    folderRow->addWidget(folderLabel_, 1);
-    layout->addLayout(folderRow);
+    const PickRow predictand =
+        addPickRow(layout, "Select Predictand", "PredtandButton", "PtandText", box);
+    auto* pickPredictand = predictand.button;
+    predictandLabel_ = predictand.label;
+    const PickRow folder = addPickRow(layout, "Predictor Folder...", "Dir2", "Dir2Text", box);
+    auto* pickFolder = folder.button;
+    folderLabel_ = folder.label;
 
     predictors_ = new QTreeWidget(box);
     predictors_->setObjectName("File2");
