@@ -1,6 +1,7 @@
 #include "screens/calibrate_screen.hpp"
 
 #include "screens/fit_period.hpp"
+#include "screens/folder_listing.hpp"
 
 #include "calibration/model_transforms.hpp"
 #include "calibration/parameter_file.hpp"
@@ -93,14 +94,7 @@ void CalibrateScreen::setPredictorFolder(const std::string& folder) {
     predictorFolder = folder;
     folderFiles.clear();
     selectedPredictors.clear();
-    std::error_code error;
-    for (const auto& entry : std::filesystem::directory_iterator(folder, error)) {
-        std::error_code kindError;
-        if (entry.is_regular_file(kindError)) {
-            folderFiles.push_back(entry.path().filename().string());
-        }
-    }
-    std::sort(folderFiles.begin(), folderFiles.end());
+    folderFiles = folderDataFiles(folder);
 }
 
 void CalibrateScreen::pickPredictorFolder(Dialogs& dialogs) {

@@ -1,6 +1,7 @@
 #include "screens/screen_vars_screen.hpp"
 
 #include "screens/fit_period.hpp"
+#include "screens/folder_listing.hpp"
 
 #include "core/dates.hpp"
 #include "core/numeric_text.hpp"
@@ -98,20 +99,11 @@ void ScreenVarsScreen::pickPredictand(Dialogs& dialogs) {
 }
 
 void ScreenVarsScreen::setPredictorFolder(const std::string& folder) {
-    namespace fs = std::filesystem;
     predictorFolder = folder;
     predictorFiles.clear();
     selectedPredictors.clear();
     noOfFiles = std::to_string(selectedPredictors.size());
-    std::error_code error;
-    for (fs::directory_iterator it(folder, error), end; !error && it != end; it.increment(error)) {
-        if (it->is_regular_file(error)) {
-            predictorFiles.push_back(it->path().filename().string());
-        }
-    }
-    std::sort(
-        predictorFiles.begin(), predictorFiles.end(),
-        [](const std::string& a, const std::string& b) { return lowerCase(a) < lowerCase(b); });
+    predictorFiles = folderDataFiles(folder);
 }
 
 void ScreenVarsScreen::warnIfTooMany(Dialogs& dialogs) const {

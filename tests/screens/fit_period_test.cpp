@@ -1,4 +1,6 @@
 #include "screens/fit_period.hpp"
+#include "screens/folder_listing.hpp"
+#include "support/temp_dir.hpp"
 
 #include <gtest/gtest.h>
 
@@ -20,4 +22,15 @@ TEST(FitPeriod, ChecksInOrderAgainstEachOtherAndTheRecord) {
               "Fit end date must be earlier than record end date.");
     // A start that is not a date leaves the end to the record check alone.
     EXPECT_EQ(screens::fitEndRefusal("x", "31/12/1990", state), std::nullopt);
+}
+
+TEST(FolderListing, RegularFilesWithoutHiddenOnesSortedWithoutCase) {
+    varo::testing::TempDir dir;
+    for (const char* name : {"b.dat", "A.dat", ".hidden", "c.DAT"}) {
+        dir.write(name, "1\r\n");
+    }
+    std::filesystem::create_directory(dir.path("sub"));
+    EXPECT_EQ(screens::folderDataFiles(dir.folder()),
+              (std::vector<std::string>{"A.dat", "b.dat", "c.DAT"}));
+    EXPECT_TRUE(screens::folderDataFiles(dir.path("none")).empty());
 }
