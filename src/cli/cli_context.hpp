@@ -5,6 +5,7 @@
 
 #include "core/program_state.hpp"
 #include "core/progress.hpp"
+#include "core/results_table.hpp"
 #include "screens/dialogs.hpp"
 #include "screens/screen_run.hpp"
 
@@ -103,6 +104,10 @@ public:
     void printJson(const nlohmann::ordered_json& document);
     // Prints a line of a text report on stdout unless --json.
     void printLine(const std::string& text);
+    // Prints a results table as aligned text on stdout, unless --json or --quiet.
+    void printTable(const core::ResultsTable& table);
+    // Names a file the command wrote, on stderr unless --quiet: "<what> written: <path>".
+    void reportWritten(std::string_view what, const std::string& path);
 
 private:
     CliDialogs dialogs_;
@@ -120,6 +125,10 @@ public:
 private:
     void (*previous_)(int) = nullptr;
 };
+
+// A results table as data: its title, columns and rows, each row its label and values
+// (missing cells are null); rows with highlighted cells list them as "highlighted" flags.
+nlohmann::ordered_json tableJson(const core::ResultsTable& table);
 
 // Newlines in the system's texts are CR LF; a terminal wants LF.
 std::string withUnixLineEnds(std::string_view text);
