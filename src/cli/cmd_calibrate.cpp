@@ -173,27 +173,42 @@ void addCalibrateCommand(CLI::App& app, CliContext& context, CommandResult& resu
     CLI::App* calibrate = app.add_subcommand(
         "calibrate", "Calibration: fit the model by month, season or year and write the "
                      "parameter file");
-    calibrate->add_option("PREDICTAND", options->predictand, "Predictand data file")->required();
+    calibrate->add_option("PREDICTAND", options->predictand, "Predictand data file")
+        ->required()
+        ->type_name(kind::File);
     calibrate->add_option("PREDICTOR", options->predictors, "Predictor data files, in model order")
-        ->required();
-    calibrate->add_option("-o,--out", options->parFile, "Parameter file to write (.PAR or .par)")
-        ->required();
-    calibrate->add_option("--model", options->model, "monthly (default), seasonal or annual")
-        ->check(CLI::IsMember({"monthly", "seasonal", "annual"}));
-    calibrate->add_option("--process", options->process, "unconditional (default) or conditional")
-        ->check(CLI::IsMember({"conditional", "unconditional"}));
-    calibrate->add_option("--fit-start", options->fitStart,
-                          "Start of the fit, dd/mm/yyyy (default: the settings' start date)");
-    calibrate->add_option("--fit-end", options->fitEnd,
-                          "End of the fit, dd/mm/yyyy (default: the settings' end date)");
+        ->required()
+        ->type_name(kind::File);
+    addOutputOption(calibrate, options->parFile, "Parameter file to write (.PAR or .par)",
+                    {"--out"});
+    oneOf(calibrate->add_option("--model", options->model, "monthly (default), seasonal or annual"),
+          {"monthly", "seasonal", "annual"});
+    oneOf(calibrate->add_option("--process", options->process,
+                                "unconditional (default) or conditional"),
+          {"conditional", "unconditional"});
+    calibrate
+        ->add_option("--start", options->fitStart,
+                     "First day of the fit (default: the settings' start date)")
+        ->type_name(kind::Date);
+    calibrate
+        ->add_option("--end", options->fitEnd,
+                     "Last day of the fit (default: the settings' end date)")
+        ->type_name(kind::Date);
+    addHiddenAlias(calibrate, "--fit-start", options->fitStart);
+    addHiddenAlias(calibrate, "--fit-end", options->fitEnd);
     calibrate->add_flag("--autoregression", options->autoregression,
                         "Include the lag term (the previous day's predictand)");
     calibrate->add_flag("--chow", options->chow, "Calculate the Chow statistic");
-    calibrate->add_option("--cross-validation", options->folds,
-                          "Cross-validate each group with this many folds (2 to 10)");
+    calibrate
+        ->add_option("--cross-validation", options->folds,
+                     "Cross-validate each group with this many folds (2 to 10)")
+        ->type_name(kind::Integer);
     calibrate->add_flag("--yes", options->yes,
                         "Answer Yes to the question before a stepwise search");
-    calibrate->callback([&, options] { result.exitCode = runCalibrate(context, *options); });
+    calibrate->callback([&, options] {
+        requireOutput(options->parFile);
+        result.exitCode = runCalibrate(context, *options);
+    });
 }
 
 } // namespace varo::cli

@@ -223,21 +223,21 @@ int runChain(CliContext& context, const DemoOptions& options) {
     for (const char* code : sampledata::PredictorCodes) {
         screening.push_back(observed(code));
     }
-    for (const char* option : {"--process", "conditional", "--fit-start"}) {
+    for (const char* option : {"--process", "conditional", "--start"}) {
         screening.emplace_back(option);
     }
-    screening.insert(screening.end(), {fitStart, "--fit-end", fitEnd});
+    screening.insert(screening.end(), {fitStart, "--end", fitEnd});
     demo.run(screening, false, "screening.txt");
 
     const Json rainModel = demo.run({"--set", "ModelTransformation=2", "calibrate", rain,
                                      observed("p__z"), observed("r850"), observed("mslp"),
                                      observed("shum"), "-o", demo.path("precip.PAR"), "--process",
-                                     "conditional", "--fit-start", fitStart, "--fit-end", fitEnd},
+                                     "conditional", "--start", fitStart, "--end", fitEnd},
                                     true, "precip-calibration.json");
     demo.wrote("precip.PAR");
     const Json tmaxModel =
         demo.run({"calibrate", tmax, observed("temp"), observed("p500"), observed("r850"), "-o",
-                  demo.path("tmax.PAR"), "--fit-start", fitStart, "--fit-end", fitEnd},
+                  demo.path("tmax.PAR"), "--start", fitStart, "--end", fitEnd},
                  true, "tmax-calibration.json");
     demo.wrote("tmax.PAR");
 
@@ -329,7 +329,8 @@ void addDemoCommand(CLI::App& app, CliContext& context, CommandResult& result) {
     CLI::App* demo =
         app.add_subcommand("demo", "Write sample data into DIR and run the whole chain on it");
     demo->add_option("DIR", options->folder, "Folder for the sample data and results")
-        ->capture_default_str();
+        ->capture_default_str()
+        ->type_name(kind::Folder);
     demo->add_flag("--short", options->shortRun,
                    "Six observed years and five members (a quick check)");
     demo->callback([&, options] { result.exitCode = runDemo(context, *options); });

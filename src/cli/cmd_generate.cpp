@@ -58,8 +58,12 @@ int runGenerate(CliContext& context, const GenerateOptions& options) {
     screen.eSize.text =
         options.ensemble.value_or(std::string(screens::SynthesizeScreen::DefaultEnsemble));
     const auto outcome = screen.synthesize(context.dialogs(), context.progress());
-    if (outcome == screens::RunOutcome::Done && context.options.json) {
-        context.printJson(jsonReport(screen, context.dialogs().warnings()));
+    if (outcome == screens::RunOutcome::Done) {
+        context.reportWritten("OUT file", screen.outFilePath);
+        context.reportWritten("SIM file", weathergen::simPathFor(screen.outFilePath));
+        if (context.options.json) {
+            context.printJson(jsonReport(screen, context.dialogs().warnings()));
+        }
     }
     return exitCodeFor(outcome);
 }
@@ -71,18 +75,25 @@ void addGenerateCommand(CLI::App& app, CliContext& context, CommandResult& resul
     CLI::App* generate = app.add_subcommand(
         "generate", "Weather generator: ensembles of daily series from a parameter file");
     generate->add_option("MODEL", options->parameterFile, "Parameter file (.PAR) of a calibration")
-        ->required();
+        ->required()
+        ->type_name(kind::File);
     generate->add_option("--predictors", options->predictorFolder, "Folder of the predictor files")
-        ->required();
+        ->required()
+        ->type_name(kind::Folder);
+    addOutputOption(generate, options->outFile, "OUT file to write; the SIM file goes beside it",
+                    {"--out"});
     generate
-        ->add_option("-o,--out", options->outFile, "OUT file to write; the SIM file goes beside it")
-        ->required();
-    generate->add_option("--start", options->start,
-                         "First day to simulate, dd/mm/yyyy (default: the settings' start date)");
-    generate->add_option("--days", options->days, "Days to simulate (default 365)");
-    generate->add_option("--ensemble", options->ensemble,
-                         "Ensemble members, 1 to 100 (default 20)");
-    generate->callback([&, options] { result.exitCode = runGenerate(context, *options); });
+        ->add_option("--start", options->start,
+                     "First day to simulate (default: the settings' start date)")
+        ->type_name(kind::Date);
+    generate->add_option("--days", options->days, "Days to simulate (default 365)")
+        ->type_name(kind::Integer);
+    generate->add_option("--ensemble", options->ensemble, "Ensemble members, 1 to 100 (default 20)")
+        ->type_name(kind::Integer);
+    generate->callback([&, options] {
+        requireOutput(options->outFile);
+        result.exitCode = runGenerate(context, *options);
+    });
 }
 
 } // namespace varo::cli

@@ -60,7 +60,7 @@ int runQc(CliContext& context, const std::string& file) {
 void addQcCommand(CLI::App& app, CliContext& context, CommandResult& result) {
     const auto file = std::make_shared<std::string>();
     CLI::App* qc = app.add_subcommand("qc", "Quality check of a data file");
-    qc->add_option("FILE", *file, "Data file to check")->required();
+    qc->add_option("FILE", *file, "Data file to check")->required()->type_name(kind::File);
     qc->callback([&, file] { result.exitCode = runQc(context, *file); });
 }
 

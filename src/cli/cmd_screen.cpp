@@ -189,24 +189,35 @@ void addScreenCommand(CLI::App& app, CliContext& context, CommandResult& result)
     CLI::App* command = app.add_subcommand(
         "screen",
         "Screen predictors: correlation matrix, explained variance by month, or scatter points");
-    command->add_option("ANALYSIS", options->analysis, "correlation, variance or scatter")
+    oneOf(command->add_option("ANALYSIS", options->analysis, "correlation, variance or scatter")
+              ->required(),
+          {"correlation", "variance", "scatter"});
+    command->add_option("PREDICTAND", options->predictand, "Predictand file")
         ->required()
-        ->check(CLI::IsMember({"correlation", "variance", "scatter"}));
-    command->add_option("PREDICTAND", options->predictand, "Predictand file")->required();
-    command->add_option("PREDICTOR", options->predictors,
-                        "Predictor files, in order (scatter: one, or none with --autoregression)");
-    command->add_option("--fit-start", options->fitStart,
-                        "First day of the analysis, dd/mm/yyyy (default: record start)");
-    command->add_option("--fit-end", options->fitEnd,
-                        "Last day of the analysis, dd/mm/yyyy (default: record end)");
-    command->add_option("--period", options->period, "Period of the year (correlation and scatter)")
-        ->check(CLI::IsMember(periodNames()));
-    command->add_option("--process", options->process, "conditional or unconditional")
-        ->check(CLI::IsMember({"conditional", "unconditional"}));
+        ->type_name(kind::File);
+    command
+        ->add_option("PREDICTOR", options->predictors,
+                     "Predictor files, in order (scatter: one, or none with --autoregression)")
+        ->type_name(kind::File);
+    command
+        ->add_option("--start", options->fitStart,
+                     "First day of the analysis (default: record start)")
+        ->type_name(kind::Date);
+    command->add_option("--end", options->fitEnd, "Last day of the analysis (default: record end)")
+        ->type_name(kind::Date);
+    addHiddenAlias(command, "--fit-start", options->fitStart);
+    addHiddenAlias(command, "--fit-end", options->fitEnd);
+    oneOf(command->add_option("--period", options->period,
+                              "Period of the year (correlation and scatter)"),
+          periodNames());
+    oneOf(command->add_option("--process", options->process, "conditional or unconditional"),
+          {"conditional", "unconditional"});
     command->add_flag("--autoregression", options->autoregression,
                       "Add the predictand's previous day as a predictor");
-    command->add_option("--sig-level", options->sigLevel,
-                        "Significance level of explained variance (default 0.05)");
+    command
+        ->add_option("--sig-level", options->sigLevel,
+                     "Significance level of explained variance (default 0.05)")
+        ->type_name(kind::Number);
     command->callback([&, options] { result.exitCode = runScreen(context, *options); });
 }
 

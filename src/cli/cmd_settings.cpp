@@ -115,8 +115,10 @@ void addSettingsCommand(CLI::App& app, CliContext& context, CommandResult& resul
 
     const auto setArgs = std::make_shared<std::pair<std::string, std::string>>();
     CLI::App* set = settings->add_subcommand("set", "Change one setting and save it");
-    set->add_option("KEY", setArgs->first, "Settings-file key, e.g. Thresh")->required();
-    set->add_option("VALUE", setArgs->second, "New value")->required();
+    set->add_option("KEY", setArgs->first, "Settings-file key, e.g. Thresh")
+        ->required()
+        ->type_name("NAME");
+    set->add_option("VALUE", setArgs->second, "New value")->required()->type_name("VALUE");
     set->callback(
         [&, setArgs] { result.exitCode = setSetting(context, setArgs->first, setArgs->second); });
 

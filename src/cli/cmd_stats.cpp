@@ -46,7 +46,8 @@ modelled (its SIM file gives the members, year length and start date), any other
 observed (one number a day from GlobalSDate, the calendar of the settings). --delta or
 any period option makes a delta run: the base period (default 01/01/1961:31/12/1990)
 against Periods A (2011-2040), B (2041-2070) and C (2071-2099), percentage differences
-unless --delta absolute. Dates are dd/mm/yyyy; periods START:END.)";
+unless --delta absolute. Dates are DD/MM/YYYY; a period is START:END, two dates, as in
+--base 01/01/1961:31/12/1990.)";
 
 std::string lowerCase(std::string text) {
     for (char& c : text) {
@@ -112,7 +113,7 @@ bool setPeriod(CliContext& context, screens::StatsSelectScreen& screen,
     const size_t colon = text->find(':');
     if (colon == std::string::npos) {
         context.dialogs().error(std::string(option) +
-                                " takes START:END (dd/mm/yyyy:dd/mm/yyyy), not '" + *text + "'.");
+                                " takes START:END (DD/MM/YYYY:DD/MM/YYYY), not '" + *text + "'.");
         return false;
     }
     screen.startText(period).text = text->substr(0, colon);
@@ -271,35 +272,55 @@ void addStatsCommand(CLI::App& app, CliContext& context, CommandResult& result) 
     const auto options = std::make_shared<StatsOptions>();
     CLI::App* stats = app.add_subcommand("stats", "Summary statistics of a series or OUT file");
     stats->footer(Help);
-    stats->add_option("IN", options->input, "Observed data file or modelled OUT file")->required();
-    stats->add_option("-o,--output", options->output, "Results file to write")->required();
+    stats->add_option("IN", options->input, "Observed data file or modelled OUT file")
+        ->required()
+        ->type_name(kind::File);
+    addOutputOption(stats, options->output, "Results file to write");
     auto* observed = stats->add_flag("--observed", options->observed,
                                      "Observed data: one number a day (default unless .OUT)");
     auto* modelled = stats->add_flag("--modelled", options->modelled,
                                      "Modelled OUT file with its SIM file (default for .OUT)");
     observed->excludes(modelled);
-    auto* member = stats->add_option("--member", options->member, "Ensemble member (default 1)");
+    auto* member = stats->add_option("--member", options->member, "Ensemble member (default 1)")
+                       ->type_name(kind::Integer);
     auto* mean = stats->add_flag("--ensemble-mean", options->ensembleMean,
                                  "Mean and standard deviation over all members");
     member->excludes(mean);
-    stats->add_option("--start", options->start, "Analysis start date (default GlobalSDate)");
-    stats->add_option("--end", options->end, "Analysis end date (default GlobalEDate)");
-    stats->add_option("--stats", options->stats,
-                      "Statistics to compute, comma-separated, at most eight (e.g. "
-                      "Mean,Max_NTot,Wet-spell)");
-    stats->add_option("--percentile", options->percentile, "Percentile of 'Percentile' (95)");
-    stats->add_option("--pot-threshold", options->potThreshold, "Threshold of POT (0)");
-    stats->add_option("--pbt-threshold", options->pbtThreshold, "Threshold of PBT (0)");
-    stats->add_option("--nday", options->nDay, "Days of Max_NTot, 2 to 100 (5)");
-    stats->add_option("--pop-percentile", options->popPercentile,
-                      "Percentile of the year's wet days that POP counts above (90)");
-    stats->add_option("--delta", options->delta, "Delta run: percentage or absolute")
-        ->check(CLI::IsMember({"percentage", "absolute"}));
-    stats->add_option("--base", options->periods[0], "Base period START:END of a delta run");
-    stats->add_option("--period-a", options->periods[1], "Period A START:END of a delta run");
-    stats->add_option("--period-b", options->periods[2], "Period B START:END of a delta run");
-    stats->add_option("--period-c", options->periods[3], "Period C START:END of a delta run");
-    stats->callback([&, options] { result.exitCode = runStats(context, *options); });
+    stats->add_option("--start", options->start, "First day of the analysis (default GlobalSDate)")
+        ->type_name(kind::Date);
+    stats->add_option("--end", options->end, "Last day of the analysis (default GlobalEDate)")
+        ->type_name(kind::Date);
+    stats
+        ->add_option("--stats", options->stats,
+                     "Statistics to compute, comma-separated, at most eight (e.g. "
+                     "Mean,Max_NTot,Wet-spell)")
+        ->type_name("NAME,...");
+    stats->add_option("--percentile", options->percentile, "Percentile of 'Percentile' (95)")
+        ->type_name(kind::Number);
+    stats->add_option("--pot-threshold", options->potThreshold, "Threshold of POT (0)")
+        ->type_name(kind::Number);
+    stats->add_option("--pbt-threshold", options->pbtThreshold, "Threshold of PBT (0)")
+        ->type_name(kind::Number);
+    stats->add_option("--nday", options->nDay, "Days of Max_NTot, 2 to 100 (5)")
+        ->type_name(kind::Integer);
+    stats
+        ->add_option("--pop-percentile", options->popPercentile,
+                     "Percentile of the year's wet days that POP counts above (90)")
+        ->type_name(kind::Number);
+    oneOf(stats->add_option("--delta", options->delta, "Delta run: percentage or absolute"),
+          {"percentage", "absolute"});
+    stats->add_option("--base", options->periods[0], "Base period of a delta run")
+        ->type_name(kind::Period);
+    stats->add_option("--period-a", options->periods[1], "Period A of a delta run")
+        ->type_name(kind::Period);
+    stats->add_option("--period-b", options->periods[2], "Period B of a delta run")
+        ->type_name(kind::Period);
+    stats->add_option("--period-c", options->periods[3], "Period C of a delta run")
+        ->type_name(kind::Period);
+    stats->callback([&, options] {
+        requireOutput(options->output);
+        result.exitCode = runStats(context, *options);
+    });
 }
 
 } // namespace varo::cli

@@ -1,4 +1,4 @@
-// varo transform IN OUT --op NAME: a new data file from an old one, as on the transform
+// varo transform IN -o OUT --op NAME: a new data file from an old one, as on the transform
 // screen, with the same checks, messages and files.
 #include "cli/commands.hpp"
 
@@ -70,8 +70,14 @@ int runTransform(CliContext& context, const TransformOptions& options) {
     setField(screen.lamdaValText, options.lamda);
     setField(screen.leftShiftText, options.shift);
     const auto outcome = screen.transform(context.dialogs(), context.progress());
-    if (outcome == screens::RunOutcome::Done && context.options.json) {
-        context.printJson(jsonReport(options, *screen.lastReport));
+    if (outcome == screens::RunOutcome::Done) {
+        context.reportWritten("Data file", options.output);
+        if (!screen.lastReport->copiedSimFile.empty()) {
+            context.reportWritten("SIM file", screen.lastReport->copiedSimFile);
+        }
+        if (context.options.json) {
+            context.printJson(jsonReport(options, *screen.lastReport));
+        }
     }
     return exitCodeFor(outcome);
 }
@@ -86,24 +92,38 @@ void addTransformCommand(CLI::App& app, CliContext& context, CommandResult& resu
     }
     CLI::App* command =
         app.add_subcommand("transform", "Make a new data file from an old one, value by value");
-    command->add_option("IN", options->input, "Data file to transform")->required();
-    command->add_option("OUT", options->output, "File to write (replaced)")->required();
-    command->add_option("--op", options->operation, "The transformation")
+    command->add_option("IN", options->input, "Data file to transform")
         ->required()
-        ->check(CLI::IsMember(names));
-    command->add_option("--columns", options->columns, "Columns in the input file, 1 to 100");
-    command->add_option("--lag", options->lag, "Lag: rows up (positive) or down (negative)");
+        ->type_name(kind::File);
+    addOutputOption(command, options->output, "File to write (replaced)");
+    // The output file used to stand second on the line; it still may.
+    command->add_option("OUT", options->output, "The file to write, as with -o")
+        ->type_name(kind::File);
+    oneOf(command->add_option("--op", options->operation, "The transformation")->required(), names);
+    command->add_option("--columns", options->columns, "Columns in the input file, 1 to 100")
+        ->type_name(kind::Integer);
+    command->add_option("--lag", options->lag, "Lag: rows up (positive) or down (negative)")
+        ->type_name(kind::Integer);
     command->add_flag("--wrap", options->wrap,
                       "Lag: wrap rows round instead of filling with the missing code");
-    command->add_option("--threshold", options->threshold,
-                        "Binomial: 1 above this value, 0 otherwise (default: the threshold)");
-    command->add_option("--extract", options->extract,
-                        "Write only this column, one value to a line, unchanged");
+    command
+        ->add_option("--threshold", options->threshold,
+                     "Binomial: 1 above this value, 0 otherwise (default: the threshold)")
+        ->type_name(kind::Number);
+    command
+        ->add_option("--extract", options->extract,
+                     "Write only this column, one value to a line, unchanged")
+        ->type_name(kind::Integer);
     command->add_flag("--copy-sim", options->copySim,
                       "Also copy the input's SIM file, beside the input, named after the output");
-    command->add_option("--lamda", options->lamda, "Inverse Box-Cox: lamda, -2 to 2");
-    command->add_option("--shift", options->shift, "Inverse Box-Cox: shift, 0 to 100");
-    command->callback([&, options] { result.exitCode = runTransform(context, *options); });
+    command->add_option("--lamda", options->lamda, "Inverse Box-Cox: lamda, -2 to 2")
+        ->type_name(kind::Number);
+    command->add_option("--shift", options->shift, "Inverse Box-Cox: shift, 0 to 100")
+        ->type_name(kind::Number);
+    command->callback([&, options] {
+        requireOutput(options->output);
+        result.exitCode = runTransform(context, *options);
+    });
 }
 
 } // namespace varo::cli

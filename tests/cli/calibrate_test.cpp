@@ -32,7 +32,7 @@ TEST(CliCalibrate, WritesTheParameterFileAndPrintsTheReport) {
     TempDir dir;
     const auto par = dir.path("MODEL.PAR");
     const auto run =
-        runVaro(dir, calibrateArgs(par, {"--model", "annual", "--fit-start", "01/01/1962"}));
+        runVaro(dir, calibrateArgs(par, {"--model", "annual", "--start", "01/01/1962"}));
     ASSERT_EQ(run.exitCode, 0) << run.err;
     std::string golden = readFile(Data + "/annual_unconditional.PAR");
     golden.replace(golden.rfind("DATA/"), 4, Data);
@@ -68,7 +68,7 @@ TEST(CliCalibrate, JsonCarriesBothStagesAndCrossValidationMessagesDoNotStopTheRu
 
     const auto folds = runVaro(dir, calibrateArgs(par,
                                                   {"--process", "conditional", "--cross-validation",
-                                                   "10", "--fit-end", "31/12/1961"},
+                                                   "10", "--end", "31/12/1961"},
                                                   {"--json"}));
     ASSERT_EQ(folds.exitCode, 0) << folds.err;
     EXPECT_EQ(folds.err, "Error Message: Sorry - insufficient data for all cross validation "
@@ -81,7 +81,7 @@ TEST(CliCalibrate, JsonCarriesBothStagesAndCrossValidationMessagesDoNotStopTheRu
 TEST(CliCalibrate, RefusalsExitTwoFailuresOneAndNeitherLeavesAFile) {
     TempDir dir;
     const auto par = dir.path("BAD.PAR");
-    const auto refused = runVaro(dir, calibrateArgs(par, {"--fit-start", "31/12/1960"}));
+    const auto refused = runVaro(dir, calibrateArgs(par, {"--start", "31/12/1960"}));
     EXPECT_EQ(refused.exitCode, 2);
     EXPECT_EQ(refused.err, "Error Message: Fit start date must be later than record start date.\n");
 

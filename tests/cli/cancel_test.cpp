@@ -26,7 +26,7 @@ TEST(CliCancel, InterruptStopsAGenerationWithExitStatus130) {
     const auto calibrated =
         varo::testing::runVaro(dir, {"--set", "GlobalEDate=31/12/2099", "calibrate",
                                      files.maximumTemperature, files.predictorFolder + "/temp.dat",
-                                     "-o", dir.path("tmax.PAR"), "--fit-end", "31/12/1962"});
+                                     "-o", dir.path("tmax.PAR"), "--end", "31/12/1962"});
     ASSERT_EQ(calibrated.exitCode, 0) << calibrated.err;
 
     // Interrupts keep coming until the run returns; outside the run they are ignored.

@@ -14,7 +14,7 @@ std::vector<std::string> screenArgs(const std::string& analysis) {
             Data + "predictand.dat",
             Data + "p1_mslp.dat",
             Data + "p2_p500.dat",
-            "--fit-end",
+            "--end",
             "31/12/1963"};
 }
 } // namespace
@@ -52,7 +52,7 @@ TEST(CliScreen, JsonCarriesTheNumbersAndTheReport) {
 TEST(CliScreen, ScatterPrintsTheChartsPointsAndBadRunsExitTwoOrOne) {
     TempDir dir;
     const auto run = runVaro(dir, {"screen", "scatter", Data + "predictand.dat",
-                                   Data + "p1_mslp.dat", "--fit-end", "03/01/1961"});
+                                   Data + "p1_mslp.dat", "--end", "03/01/1961"});
     ASSERT_EQ(run.exitCode, 0) << run.err;
     EXPECT_EQ(run.out, "0 missing value(s): predictand.dat\n"
                        "p1_mslp.dat predictand.dat\n"

@@ -136,7 +136,7 @@ TEST(CliStats, BadInputGetsItsMessageAndNoResultsFile) {
                          0),
               0u);
     EXPECT_EQ(err("ensemble3.OUT", {"--base", "01/01/1961"}, 2),
-              "Error Message: --base takes START:END (dd/mm/yyyy:dd/mm/yyyy), not '01/01/1961'.\n");
+              "Error Message: --base takes START:END (DD/MM/YYYY:DD/MM/YYYY), not '01/01/1961'.\n");
     EXPECT_EQ(err("observed.dat", {"--modelled"}, 2),
               "Error Message: You must select an appropriate scenario file for modelled "
               "analyses.\n");
