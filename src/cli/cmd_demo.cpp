@@ -11,6 +11,7 @@
 #include "core/series_file.hpp"
 #include "sampledata/sample_data.hpp"
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -42,7 +43,8 @@ public:
 
     // Runs one command; its report goes to `reportFile` (when named) and, for --json
     // commands, comes back parsed.
-    Json run(const std::vector<std::string>& args, bool json, const std::string& reportFile = {}) {
+    Json run(const std::vector<std::string>& args, bool json, const std::string& reportFile = {},
+             const std::string& reportHolds = {}) {
         std::vector<std::string> full{"--settings", path("VARO.INI"), "--quiet"};
         if (json) {
             full.emplace_back("--json");
@@ -58,13 +60,16 @@ public:
         }
         if (!reportFile.empty()) {
             std::ofstream(path(reportFile)) << out.str();
-            written_.push_back(reportFile);
+            wrote(reportFile, reportHolds);
         }
         return json ? Json::parse(out.str()) : Json();
     }
 
-    void wrote(const std::string& name) { written_.push_back(name); }
-    const std::vector<std::string>& written() const { return written_; }
+    // A file the demo wrote and what it holds, for the closing list.
+    void wrote(const std::string& name, const std::string& holds) {
+        written_.emplace_back(name, holds);
+    }
+    const std::vector<std::pair<std::string, std::string>>& written() const { return written_; }
 
 private:
     void echo(const std::vector<std::string>& args) const {
@@ -77,7 +82,7 @@ private:
 
     CliContext& context_;
     std::string folder_;
-    std::vector<std::string> written_;
+    std::vector<std::pair<std::string, std::string>> written_;
 };
 
 std::string fixed(double value, int decimals) {
@@ -128,10 +133,10 @@ void printSkill(CliContext& context, const Json& precipitation, const Json& temp
                       fixed(meanOf(precipitation["months"], "propCorrect"), 3));
     context.printLine("  precipitation amounts (fourth root): R squared " +
                       fixed(meanOf(precipitation["amounts"], "rSquared"), 3));
-    context.printLine("  maximum temperature: R squared " +
-                      fixed(meanOf(temperature["months"], "rSquared"), 3) + ", standard error " +
-                      fixed(meanOf(temperature["months"], "standardError"), 2) +
-                      " deg C (the generator's noise: " + fixed(sampledata::TmaxNoise, 2) + ")");
+    context.printLine(
+        "  maximum temperature: R squared " + fixed(meanOf(temperature["months"], "rSquared"), 3) +
+        ", standard error " + fixed(meanOf(temperature["months"], "standardError"), 2) +
+        " deg C (the sample data's built-in noise: " + fixed(sampledata::TmaxNoise, 2) + ")");
     double temp = 0.0;
     double p500 = 0.0;
     double r850 = 0.0;
@@ -194,9 +199,14 @@ int runChain(CliContext& context, const DemoOptions& options) {
         sample.lastYear = 1966;
     }
     const sampledata::SampleFiles files = sampledata::writeSampleData(options.folder, sample);
-    for (const char* name : {"precip.dat", "tmax.dat", "predictors/", "future/"}) {
-        demo.wrote(name);
-    }
+    const std::string years =
+        std::to_string(sample.firstYear) + "-" + std::to_string(sample.lastYear);
+    const std::string futureYears =
+        std::to_string(sample.futureFirstYear) + "-" + std::to_string(sample.futureLastYear);
+    demo.wrote("precip.dat", "the station's observed daily precipitation, mm, " + years);
+    demo.wrote("tmax.dat", "the station's observed daily maximum temperature, deg C, " + years);
+    demo.wrote("predictors/", "eight observed predictors, one file a variable, " + years);
+    demo.wrote("future/", "the same eight from a climate model, 360-day years, " + futureYears);
     const std::string members = options.shortRun ? "5" : "20";
     const std::string fitStart = "01/01/" + std::to_string(sample.firstYear);
     const std::string fitEnd = "31/12/" + std::to_string(sample.lastYear);
@@ -215,7 +225,7 @@ int runChain(CliContext& context, const DemoOptions& options) {
     // The record runs to 2099, so that the climate model's predictors can be run to the end.
     demo.run({"settings", "set", "RandomSeed", "False"}, false);
     demo.run({"settings", "set", "GlobalEDate", "31/12/2099"}, false);
-    demo.wrote("VARO.INI");
+    demo.wrote("VARO.INI", "the demo's settings: fixed random numbers, record end 31/12/2099");
     const Json rainQuality = demo.run({"qc", rain}, true);
     demo.run({"qc", tmax}, true);
 
@@ -227,19 +237,21 @@ int runChain(CliContext& context, const DemoOptions& options) {
         screening.emplace_back(option);
     }
     screening.insert(screening.end(), {fitStart, "--end", fitEnd});
-    demo.run(screening, false, "screening.txt");
+    demo.run(screening, false, "screening.txt",
+             "correlations of the eight predictors with precipitation");
 
-    const Json rainModel = demo.run({"--set", "ModelTransformation=2", "calibrate", rain,
-                                     observed("p__z"), observed("r850"), observed("mslp"),
-                                     observed("shum"), "-o", demo.path("precip.PAR"), "--process",
-                                     "conditional", "--start", fitStart, "--end", fitEnd},
-                                    true, "precip-calibration.json");
-    demo.wrote("precip.PAR");
-    const Json tmaxModel =
-        demo.run({"calibrate", tmax, observed("temp"), observed("p500"), observed("r850"), "-o",
-                  demo.path("tmax.PAR"), "--start", fitStart, "--end", fitEnd},
-                 true, "tmax-calibration.json");
-    demo.wrote("tmax.PAR");
+    const Json rainModel = demo.run(
+        {"--set", "ModelTransformation=2", "calibrate", rain, observed("p__z"), observed("r850"),
+         observed("mslp"), observed("shum"), "-o", demo.path("precip.PAR"), "--process",
+         "conditional", "--start", fitStart, "--end", fitEnd},
+        true, "precip-calibration.json", "the precipitation model's calibration report, as JSON");
+    demo.wrote("precip.PAR", "the precipitation model: wet-day occurrence and fourth-root "
+                             "amounts, by month");
+    const Json tmaxModel = demo.run(
+        {"calibrate", tmax, observed("temp"), observed("p500"), observed("r850"), "-o",
+         demo.path("tmax.PAR"), "--start", fitStart, "--end", fitEnd},
+        true, "tmax-calibration.json", "the temperature model's calibration report, as JSON");
+    demo.wrote("tmax.PAR", "the maximum temperature model, by month");
 
     for (const char* model : {"precip", "tmax"}) {
         const std::string par = demo.path(std::string(model) + ".PAR");
@@ -251,35 +263,50 @@ int runChain(CliContext& context, const DemoOptions& options) {
                   "-o", demo.path(std::string(model) + "-model.OUT"), "--start", "01/01/1961",
                   "--days", modelDays, "--ensemble", members},
                  false);
-        for (const char* run : {"-observed", "-model"}) {
-            demo.wrote(std::string(model) + run + ".OUT");
-            demo.wrote(std::string(model) + run + ".SIM");
-        }
+        const std::string variable =
+            std::string(model) == "precip" ? "precipitation" : "maximum temperature";
+        const std::string fromObserved =
+            members + " daily series of " + variable + " from the observed predictors, " + years;
+        const std::string fromModel =
+            members + " daily series of " + variable + " from the climate model, " + futureYears;
+        demo.wrote(std::string(model) + "-observed.OUT", fromObserved);
+        demo.wrote(std::string(model) + "-observed.SIM",
+                   "the description of " + std::string(model) + "-observed.OUT");
+        demo.wrote(std::string(model) + "-model.OUT", fromModel);
+        demo.wrote(std::string(model) + "-model.SIM",
+                   "the description of " + std::string(model) + "-model.OUT");
     }
 
     const std::vector<std::string> period{"--start", fitStart, "--end", fitEnd};
     const auto stats = [&](const std::string& input, const std::string& results,
-                           const std::string& chosen, std::vector<std::string> more) {
+                           const std::string& chosen, std::vector<std::string> more,
+                           const std::string& holds) {
         std::vector<std::string> args{
             "stats", demo.path(input), "-o", demo.path(results), "--stats", chosen};
         args.insert(args.end(), more.begin(), more.end());
         const Json found = demo.run(args, true);
-        demo.wrote(results);
+        demo.wrote(results, holds);
         return found;
     };
     std::vector<std::string> ensemble{"--ensemble-mean"};
     ensemble.insert(ensemble.end(), period.begin(), period.end());
     const Json rainObserved =
-        stats("precip.dat", "precip-observed-stats.txt", "Mean,Wet-days%", period);
+        stats("precip.dat", "precip-observed-stats.txt", "Mean,Wet-days%", period,
+              "observed precipitation: mean and wet days by month, season and year");
     const Json rainModelled =
-        stats("precip-observed.OUT", "precip-modelled-stats.txt", "Mean,Wet-days%", ensemble);
-    const Json tmaxObserved = stats("tmax.dat", "tmax-observed-stats.txt", "Mean", period);
-    const Json tmaxModelled =
-        stats("tmax-observed.OUT", "tmax-modelled-stats.txt", "Mean", ensemble);
-    const Json rainChange = stats("precip-model.OUT", "precip-change.txt", "Mean,Wet-days%",
-                                  {"--ensemble-mean", "--delta", "percentage"});
-    const Json tmaxChange = stats("tmax-model.OUT", "tmax-change.txt", "Mean",
-                                  {"--ensemble-mean", "--delta", "absolute"});
+        stats("precip-observed.OUT", "precip-modelled-stats.txt", "Mean,Wet-days%", ensemble,
+              "the same of the modelled precipitation, ensemble mean");
+    const Json tmaxObserved = stats("tmax.dat", "tmax-observed-stats.txt", "Mean", period,
+                                    "observed maximum temperature: mean by month, season and year");
+    const Json tmaxModelled = stats("tmax-observed.OUT", "tmax-modelled-stats.txt", "Mean",
+                                    ensemble, "the same of the modelled temperature");
+    const Json rainChange =
+        stats("precip-model.OUT", "precip-change.txt", "Mean,Wet-days%",
+              {"--ensemble-mean", "--delta", "percentage"},
+              "the climate model's precipitation change against 1961-1990, with t tests");
+    const Json tmaxChange = stats(
+        "tmax-model.OUT", "tmax-change.txt", "Mean", {"--ensemble-mean", "--delta", "absolute"},
+        "the climate model's temperature change against 1961-1990, with t tests");
 
     context.printLine("");
     context.printLine("Summary");
@@ -293,15 +320,13 @@ int runChain(CliContext& context, const DemoOptions& options) {
     printProjection(context, rainChange, tmaxChange);
     context.printLine("");
     context.printLine("Files written in " + options.folder + "/:");
-    std::string line = " ";
-    for (const std::string& name : demo.written()) {
-        if (line.size() + name.size() > 90) {
-            context.printLine(line);
-            line = " ";
-        }
-        line += ' ' + name;
+    size_t width = 0;
+    for (const auto& file : demo.written()) {
+        width = std::max(width, file.first.size());
     }
-    context.printLine(line);
+    for (const auto& [name, holds] : demo.written()) {
+        context.printLine("  " + name + std::string(width - name.size() + 2, ' ') + holds);
+    }
     return ExitDone;
 }
 
