@@ -1,5 +1,6 @@
 // varo screen correlation|variance|scatter PREDICTAND PREDICTOR...: the predictor screening
-// of the screening screen, printing its report or the scatter points (or JSON with --json).
+// of the screening screen, printing its report or the scatter points (or JSON with --json),
+// and with -o FILE saving the report as text, as the screen's Save key does.
 #include "cli/commands.hpp"
 
 #include "core/number_format.hpp"
@@ -23,6 +24,7 @@ struct ScreenOptions {
     std::string process = "unconditional";
     bool autoregression = false;
     std::optional<std::string> sigLevel;
+    std::string output;
 };
 
 // The period list's entries by their lower-case names.
@@ -101,35 +103,59 @@ nlohmann::ordered_json varianceJson(const ScreenOptions& options,
     return document;
 }
 
+// With -o, the lines as the screen's Save key writes a report.
+int saveLines(CliContext& context, const ScreenOptions& options,
+              const std::vector<std::string>& lines) {
+    if (options.output.empty()) {
+        return ExitDone;
+    }
+    if (!screens::saveReportText(lines, options.output, context.dialogs())) {
+        return ExitFailed;
+    }
+    context.reportWritten("Report", options.output);
+    return ExitDone;
+}
+
+nlohmann::ordered_json scatterJson(const ScreenOptions& options,
+                                   const screens::ScreenVarsScreen& screen) {
+    const auto& data = *screen.scatterPoints;
+    nlohmann::ordered_json document = commonJson(options, screen);
+    document["period"] = options.period;
+    document["title"] = data.title;
+    document["xTitle"] = data.xTitle;
+    document["yTitle"] = data.yTitle;
+    document["missing"] = data.missingCount;
+    auto points = nlohmann::ordered_json::array();
+    for (const auto& point : data.points) {
+        points.push_back({point.x, point.y});
+    }
+    document["points"] = points;
+    return document;
+}
+
 // The chart's points: its title, the axis titles, then one "x y" line a point.
+std::vector<std::string> scatterLines(const screening::ScatterData& data) {
+    std::vector<std::string> lines{data.title, data.xTitle + " " + data.yTitle};
+    for (const auto& point : data.points) {
+        lines.push_back(core::generalText(point.x) + " " + core::generalText(point.y));
+    }
+    return lines;
+}
+
 int runScatter(CliContext& context, const ScreenOptions& options,
                screens::ScreenVarsScreen& screen) {
     const auto outcome = screen.scatter(context.dialogs(), context.progress());
     if (outcome != screens::RunOutcome::Done) {
         return exitCodeFor(outcome);
     }
-    const auto& data = *screen.scatterPoints;
+    const auto lines = scatterLines(*screen.scatterPoints);
     if (context.options.json) {
-        nlohmann::ordered_json document = commonJson(options, screen);
-        document["period"] = options.period;
-        document["title"] = data.title;
-        document["xTitle"] = data.xTitle;
-        document["yTitle"] = data.yTitle;
-        document["missing"] = data.missingCount;
-        auto points = nlohmann::ordered_json::array();
-        for (const auto& point : data.points) {
-            points.push_back({point.x, point.y});
-        }
-        document["points"] = points;
-        context.printJson(document);
-        return ExitDone;
+        context.printJson(scatterJson(options, screen));
     }
-    context.printLine(data.title);
-    context.printLine(data.xTitle + " " + data.yTitle);
-    for (const auto& point : data.points) {
-        context.printLine(core::generalText(point.x) + " " + core::generalText(point.y));
+    for (const std::string& line : lines) {
+        context.printLine(line);
     }
-    return ExitDone;
+    return saveLines(context, options, lines);
 }
 
 int runScreen(CliContext& context, const ScreenOptions& options) {
@@ -173,7 +199,7 @@ int runScreen(CliContext& context, const ScreenOptions& options) {
             context.printLine(line);
         }
     }
-    return ExitDone;
+    return saveLines(context, options, screen.report->lines);
 }
 
 std::vector<std::string> periodNames() {
@@ -218,6 +244,10 @@ void addScreenCommand(CLI::App& app, CliContext& context, CommandResult& result)
         ->add_option("--sig-level", options->sigLevel,
                      "Significance level of explained variance (default 0.05)")
         ->type_name(kind::Number);
+    command
+        ->add_option("-o,--output", options->output,
+                     "Also save the report (or the scatter points) as text to this file")
+        ->type_name(kind::File);
     command->callback([&, options] { result.exitCode = runScreen(context, *options); });
 }
 

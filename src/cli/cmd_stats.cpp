@@ -233,6 +233,18 @@ nlohmann::ordered_json jsonReport(const screens::AnalyseScreen& screen, double m
     return document;
 }
 
+// The tables of the results file as aligned text after the run's message, a blank line
+// before each.
+void printTables(CliContext& context, const std::vector<screens::NamedTable>& tables) {
+    if (context.options.json || context.options.quiet) {
+        return;
+    }
+    for (const auto& shown : tables) {
+        context.out << '\n';
+        context.printTable(shown.table);
+    }
+}
+
 int runStats(CliContext& context, const StatsOptions& options) {
     if (const int refused = context.prepareState()) {
         return refused;
@@ -262,6 +274,8 @@ int runStats(CliContext& context, const StatsOptions& options) {
     const auto outcome = screen.run(context.dialogs(), context.progress());
     if (outcome == screens::RunOutcome::Done && context.options.json) {
         context.printJson(jsonReport(screen, context.state.globalMissingCode));
+    } else if (outcome == screens::RunOutcome::Done) {
+        printTables(context, screen.resultTables());
     }
     return exitCodeFor(outcome);
 }

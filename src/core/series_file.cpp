@@ -349,6 +349,18 @@ void TextFileWriter::close() {
     }
 }
 
+void writeTextFile(const std::string& path, std::string_view text) {
+    auto file = std::make_unique<TextFileWriter>(path);
+    try {
+        file->write(text);
+        file->close();
+    } catch (const Failure&) {
+        file.reset();
+        std::remove(path.c_str());
+        throw;
+    }
+}
+
 std::string bareFileName(std::string_view path) {
     const size_t slash = path.find_last_of("/\\");
     return std::string(slash == std::string_view::npos ? path : path.substr(slash + 1));

@@ -91,6 +91,10 @@ private:
     size_t lineStart_ = 0;
 };
 
+// Writes a whole text file at once. A write that fails removes what it had written, so
+// that no half-written file is left looking complete; failures are core::Failure.
+void writeTextFile(const std::string& path, std::string_view text);
+
 // The bare name of a path: what follows the last '/' (or '\').
 std::string bareFileName(std::string_view path);
 // The folder of a path, without a trailing separator; empty for a bare name.

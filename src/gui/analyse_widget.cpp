@@ -1,6 +1,7 @@
 #include "gui/analyse_widget.hpp"
 #include "gui/widget_helpers.hpp"
 
+#include "gui/results_table_view.hpp"
 #include "gui/stats_select_widget.hpp"
 #include "statistics/statistic_columns.hpp"
 
@@ -46,6 +47,7 @@ AnalyseWidget::AnalyseWidget(ScreenContext& context, QWidget* parent)
         showRecord();
     });
     addKey("Settings", "tb1Settings", [this] { context_.openSettings(); });
+    addKey("Help", "tb1Help", [this] { context_.openHelp(); });
 
     auto* files = new QGroupBox("Files", this);
     auto* fileGrid = new QGridLayout(files);
@@ -58,19 +60,18 @@ AnalyseWidget::AnalyseWidget(ScreenContext& context, QWidget* parent)
         source_->addButton(option, id);
         sourceRow->addWidget(option);
     }
-    sourceRow->addStretch(1);
-    fileGrid->addLayout(sourceRow, 0, 0, 1, 2);
+    fileGrid->addLayout(sourceRow, 0, 2);
     connect(source_, &QButtonGroup::idClicked, this, [this](int id) {
         record_.sourceButton = id == 0 ? screens::AnalyseScreen::Source::Observed
                                        : screens::AnalyseScreen::Source::Modelled;
     });
     inputFile_ =
-        fileRow(this, fileGrid, 1, "Select Data File", "SelectInputFile", "InputFileText", [this] {
+        fileRow(this, fileGrid, 0, "Select Data File", "SelectInputFile", "InputFileText", [this] {
             record_.pickInputFile(context_.dialogs);
             showRecord();
         });
     saveFile_ =
-        fileRow(this, fileGrid, 2, "Save Summary File", "SaveButton", "SaveFileText", [this] {
+        fileRow(this, fileGrid, 1, "Save Summary File", "SaveButton", "SaveFileText", [this] {
             record_.pickSaveFile(context_.dialogs);
             showRecord();
         });
@@ -79,24 +80,31 @@ AnalyseWidget::AnalyseWidget(ScreenContext& context, QWidget* parent)
 
     auto* middle = new QHBoxLayout();
     auto* period = new QGroupBox("Analysis Period", this);
-    auto* periodForm = new QFormLayout(period);
-    periodForm->addRow("Start date:",
-                       bindField("StartDateText", record_.startDateText, [this, &dialogs] {
-                           const bool ok = record_.checkStartDate(dialogs);
-                           showRecord();
-                           return ok;
-                       }));
-    periodForm->addRow("End date:", bindField("EndDateText", record_.endDateText, [this, &dialogs] {
-                           const bool ok = record_.checkEndDate(dialogs);
-                           showRecord();
-                           return ok;
-                       }));
+    auto* periodGrid = new QGridLayout(period);
+    periodGrid->addWidget(new QLabel("Start date:", period), 0, 0);
+    periodGrid->addWidget(bindField("StartDateText", record_.startDateText,
+                                    [this, &dialogs] {
+                                        const bool ok = record_.checkStartDate(dialogs);
+                                        showRecord();
+                                        return ok;
+                                    }),
+                          0, 1);
+    periodGrid->addWidget(new QLabel("End date:", period), 0, 2);
+    periodGrid->addWidget(bindField("EndDateText", record_.endDateText,
+                                    [this, &dialogs] {
+                                        const bool ok = record_.checkEndDate(dialogs);
+                                        showRecord();
+                                        return ok;
+                                    }),
+                          0, 3);
     QLineEdit* days = resultField("NoOfDaysText", period);
-    periodForm->addRow("Days:", days);
+    periodGrid->addWidget(new QLabel("Days:", period), 1, 0);
+    periodGrid->addWidget(days, 1, 1);
     shown_.emplace_back(days, &record_.noOfDaysText);
     delta_ = new QCheckBox("Delta statistics for the base period and Periods A, B and C", period);
     delta_->setObjectName("DeltaCheck");
-    periodForm->addRow(delta_);
+    periodGrid->addWidget(delta_, 2, 0, 1, 4);
+    periodGrid->setRowStretch(3, 1);
     connect(delta_, &QCheckBox::toggled, this, [this](bool on) { record_.deltaCheck = on; });
     middle->addWidget(period);
 
@@ -109,12 +117,14 @@ AnalyseWidget::AnalyseWidget(ScreenContext& context, QWidget* parent)
     ensembleMean_ = new QCheckBox("Ensemble mean", ensemble);
     ensembleMean_->setObjectName("EnsembleMeanCheck");
     ensembleForm->addRow(ensembleMean_);
+    ensembleForm->setFormAlignment(Qt::AlignTop);
     connect(ensembleMean_, &QCheckBox::toggled, this,
             [this](bool on) { record_.ensembleMeanCheck = on; });
     middle->addWidget(ensemble);
 
+    // Two columns of three, so that the choices leave the results most of the height.
     auto* details = new QGroupBox("Scenario File Details", this);
-    auto* detailsForm = new QFormLayout(details);
+    auto* detailsGrid = new QGridLayout(details);
     const std::pair<const char*, std::pair<const char*, std::string*>> rows[] = {
         {"Predictors:", {"FileNPredictors", &record_.fileNPredictors}},
         {"Season code:", {"FileSeasonCode", &record_.fileSeasonCode}},
@@ -123,11 +133,17 @@ AnalyseWidget::AnalyseWidget(ScreenContext& context, QWidget* parent)
         {"Ensemble size:", {"FileEnsembleSize", &record_.fileEnsembleSize}},
         {"Start date:", {"FileStartDate", &record_.fileStartDate}},
     };
+    int place = 0;
     for (const auto& [caption, field] : rows) {
         QLineEdit* edit = resultField(field.first, details);
-        detailsForm->addRow(caption, edit);
+        const int row = place % 3;
+        const int column = place / 3 * 2;
+        detailsGrid->addWidget(new QLabel(caption, details), row, column);
+        detailsGrid->addWidget(edit, row, column + 1);
         shown_.emplace_back(edit, field.second);
+        ++place;
     }
+    detailsGrid->setRowStretch(3, 1);
     middle->addWidget(details);
     content()->addLayout(middle);
 
@@ -135,7 +151,20 @@ AnalyseWidget::AnalyseWidget(ScreenContext& context, QWidget* parent)
     selection_->setObjectName("SelectedStatistics");
     selection_->setWordWrap(true);
     content()->addWidget(selection_);
-    content()->addStretch(1);
+
+    results_ = new ResultsTabs(this);
+    results_->setObjectName("ResultsTables");
+    resultsFile_ = new QLabel(results_);
+    resultsFile_->setObjectName("ResultsFile");
+    resultsFile_->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    results_->setCornerWidget(resultsFile_, Qt::TopRightCorner);
+    content()->addWidget(results_, 1);
+    noResults_ = new QLabel("No results yet. Choose the data file and the results file and "
+                            "press Analyse: the tables of the results file will show here.",
+                            this);
+    noResults_->setObjectName("NoResults");
+    noResults_->setAlignment(Qt::AlignLeft | Qt::AlignTop);
+    content()->addWidget(noResults_, 1);
     showRecord();
 }
 
@@ -163,6 +192,19 @@ void AnalyseWidget::showRecord() {
     }
     showFields();
     showSelection();
+    showResults();
+}
+
+// The tables of the results file the last run wrote; a failed or refused run leaves none.
+void AnalyseWidget::showResults() {
+    const auto tables = record_.resultTables();
+    results_->clearTables();
+    for (const auto& shown : tables) {
+        results_->addTable(qt(shown.name), shown.table);
+    }
+    resultsFile_->setText("As saved in " + qt(record_.resultsPath));
+    results_->setVisible(!tables.empty());
+    noResults_->setVisible(tables.empty());
 }
 
 void AnalyseWidget::selectStatistics() {
@@ -173,7 +215,8 @@ void AnalyseWidget::selectStatistics() {
 
 void AnalyseWidget::analyse() {
     runLong([this](core::Progress& progress) {
-        record_.run(context_.dialogs, progress);
+        ShowFirstDialogs dialogs(context_.dialogs, [this] { showRecord(); });
+        record_.run(dialogs, progress);
         showRecord();
     });
 }

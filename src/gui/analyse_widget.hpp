@@ -1,5 +1,6 @@
 // The summary statistics screen of the desktop program, over `screens::AnalyseScreen`, with
-// the statistics selection dialog one key away.
+// the statistics selection dialog one key away and the tables of the last run's results
+// file below the choices.
 #pragma once
 
 #include "gui/screen_widget.hpp"
@@ -12,6 +13,8 @@ class QLineEdit;
 
 namespace varo::gui {
 
+class ResultsTabs;
+
 class AnalyseWidget : public ScreenWidget {
     Q_OBJECT
 public:
@@ -23,6 +26,7 @@ private:
     void analyse();
     void selectStatistics();
     void showSelection();
+    void showResults();
 
     screens::AnalyseScreen record_;
     QButtonGroup* source_;
@@ -31,6 +35,9 @@ private:
     QCheckBox* ensembleMean_;
     QCheckBox* delta_;
     QLabel* selection_;
+    QLabel* resultsFile_;
+    QLabel* noResults_;
+    ResultsTabs* results_;
     std::vector<std::pair<QLineEdit*, std::string*>> shown_;
 };
 

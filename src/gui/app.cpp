@@ -1,7 +1,9 @@
 #include "gui/app.hpp"
 
+#include "core/failure.hpp"
 #include "gui/help_viewer.hpp"
 #include "gui/main_window.hpp"
+#include "gui/sample_runs.hpp"
 #include "gui/settings_widget.hpp"
 #include "screens/navigation.hpp"
 
@@ -9,10 +11,27 @@
 #include <QCommandLineParser>
 #include <QDialog>
 #include <QPixmap>
+#include <QTemporaryDir>
 #include <QTimer>
 #include <iostream>
 
 namespace varo::gui {
+
+namespace {
+
+constexpr std::string_view ResultsSuffix = "-results";
+
+// "stats-results": the summary statistics screen after a run on the sample data.
+std::optional<screens::ScreenKey> sampleRunKey(const QString& name) {
+    const std::string text = name.toStdString();
+    if (!text.ends_with(ResultsSuffix)) {
+        return std::nullopt;
+    }
+    const auto* key = screens::findToolbarKey(text.substr(0, text.size() - ResultsSuffix.size()));
+    return key == nullptr ? std::nullopt : std::optional(key->key);
+}
+
+} // namespace
 
 bool showNamedScreen(MainWindow& window, const QString& name) {
     if (name == "intro") {
@@ -63,7 +82,11 @@ int runDesktop(QApplication& app) {
     const QCommandLineOption settings(
         "settings", "Settings file to use instead of ~/.config/varo/VARO.INI.", "FILE");
     const QCommandLineOption screen(
-        "screen", "Open on a screen: intro, home, settings, advsettings, quality, ...", "KEY");
+        "screen",
+        "Open on a screen: intro, home, settings, advsettings, help, quality, ...; with "
+        "--screenshot also stats-results, screen-results or quality-results: the screen after "
+        "a run on the sample data.",
+        "KEY");
     const QCommandLineOption screenshot("screenshot", "Render the screen to a PNG file and exit.",
                                         "FILE");
     parser.addOptions({settings, screen, screenshot});
@@ -72,8 +95,26 @@ int runDesktop(QApplication& app) {
     core::ProgramState state;
     screens::startProgram(state, parser.isSet(settings) ? parser.value(settings).toStdString()
                                                         : core::defaultSettingsPath());
-    MainWindow window(state);
-    if (parser.isSet(screen)) {
+    // A picture is taken without waiting for a click: boxes go to the error stream.
+    SampleDialogs pictureDialogs(std::cerr);
+    const bool picture = parser.isSet(screenshot);
+    MainWindow window(state, picture ? &pictureDialogs : nullptr);
+    const auto sampleKey = picture ? sampleRunKey(parser.value(screen)) : std::nullopt;
+    QTemporaryDir sampleFolder;
+    if (sampleKey) {
+        window.showHome();
+        try {
+            if (!runSample(window, pictureDialogs, *sampleKey,
+                           (sampleFolder.path() + "/demo-output").toStdString())) {
+                std::cerr << "varo-gui: there is no sample run of '"
+                          << parser.value(screen).toStdString() << "'\n";
+                return 2;
+            }
+        } catch (const core::Failure& failure) {
+            std::cerr << "varo-gui: " << failure.description() << '\n';
+            return 1;
+        }
+    } else if (parser.isSet(screen)) {
         if (!showNamedScreen(window, parser.value(screen))) {
             std::cerr << "varo-gui: there is no screen '" << parser.value(screen).toStdString()
                       << "'\n";

@@ -25,9 +25,10 @@ MainWindow::MainWindow(core::ProgramState& state, screens::Dialogs* dialogs, QWi
         dialogs = ownDialogs_.get();
     }
     dialogs_ = dialogs;
+    pickers_ = std::make_unique<RememberingDialogs>(*dialogs_);
     runs_ = std::make_unique<RunHost>(state_, *dialogs_, this);
     context_ = std::make_unique<ScreenContext>(ScreenContext{
-        state_, *dialogs_, *runs_, [this] { openSettings(); }, [this] { openHelp(); }});
+        state_, *pickers_, *runs_, [this] { openSettings(); }, [this] { openHelp(); }});
     pages_ = new QStackedWidget(this);
     setCentralWidget(pages_);
     buildMenus();
@@ -120,6 +121,7 @@ void MainWindow::showHome() {
     hubBar_->setEnabled(true);
     hub_ = screens::Hub();
     replacePage(new HomeWidget(this));
+    setPickerScreen();
 }
 
 void MainWindow::goTo(screens::ScreenKey key) {
@@ -138,6 +140,17 @@ void MainWindow::goTo(screens::ScreenKey key) {
         return;
     }
     replacePage(factory->second(*context_));
+    setPickerScreen();
+}
+
+// The pickers that open now are those of the page on show.
+void MainWindow::setPickerScreen() {
+    if (settingsPage_ != nullptr) {
+        pickers_->setScreen("settings", false);
+        return;
+    }
+    const screens::ScreenKey key = hub_.current();
+    pickers_->setScreen(std::to_string(static_cast<int>(key)), picksPredictorFolder(key));
 }
 
 QWidget* MainWindow::currentPage() const {
@@ -156,6 +169,7 @@ void MainWindow::openSettings() {
         *context_, [this] { closeSettings(); }, this);
     pages_->addWidget(settingsPage_);
     pages_->setCurrentWidget(settingsPage_);
+    setPickerScreen();
 }
 
 // Back from the settings: the screen below shows the global values afresh.
@@ -169,6 +183,7 @@ void MainWindow::closeSettings() {
     if (page_ != nullptr) {
         pages_->setCurrentWidget(page_);
     }
+    setPickerScreen();
     if (ScreenWidget* screen = currentScreen()) {
         screen->refreshGlobals();
     }
@@ -179,7 +194,9 @@ QDialog* MainWindow::advancedSettingsDialog() {
 }
 
 void MainWindow::openHelp() {
-    auto* viewer = new HelpViewer(this);
+    const QString section =
+        settingsPage_ != nullptr ? QString("Settings") : helpSection(hub_.current());
+    auto* viewer = new HelpViewer(this, section);
     viewer->setAttribute(Qt::WA_DeleteOnClose);
     viewer->show();
 }

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "gui/qt_dialogs.hpp"
+#include "gui/remembering_dialogs.hpp"
 #include "gui/screen_context.hpp"
 #include "gui/screen_widget.hpp"
 #include "screens/navigation.hpp"
@@ -33,6 +34,7 @@ public:
     // Goes to a work screen; the key of the screen already showing does nothing.
     void goTo(screens::ScreenKey key);
     void openSettings();
+    // The user guide, at the section of the page on show.
     void openHelp();
     // A new advanced settings dialog over this window, not yet shown.
     QDialog* advancedSettingsDialog();
@@ -53,10 +55,13 @@ private:
     void replacePage(QWidget* page);
     void closeSettings();
     void exitWithoutAsking();
+    void setPickerScreen();
 
     core::ProgramState& state_;
     std::unique_ptr<QtDialogs> ownDialogs_;
     screens::Dialogs* dialogs_;
+    // The screens' pickers open where they were last used, while the window lives.
+    std::unique_ptr<RememberingDialogs> pickers_;
     std::unique_ptr<RunHost> runs_;
     std::unique_ptr<ScreenContext> context_;
     screens::Hub hub_;

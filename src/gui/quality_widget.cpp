@@ -17,6 +17,7 @@ QualityWidget::QualityWidget(ScreenContext& context, QWidget* parent)
         showRecord();
     });
     addKey("Settings", "tb1Settings", [this] { context_.openSettings(); });
+    addKey("Help", "tb1Help", [this] { context_.openHelp(); });
 
     auto* fileRow = new QHBoxLayout();
     auto* select = new QPushButton("Select File", this);
@@ -71,7 +72,9 @@ void QualityWidget::refreshGlobals() {
 
 void QualityWidget::check() {
     runLong([this](core::Progress& progress) {
-        record_.check(context_.dialogs, progress);
+        // The results stand on the screen before the closing box asks to be closed.
+        ShowFirstDialogs dialogs(context_.dialogs, [this] { showRecord(); });
+        record_.check(dialogs, progress);
         showRecord();
     });
 }

@@ -23,4 +23,23 @@ const std::map<screens::ScreenKey, ScreenFactory>& screenFactories() {
     return factories;
 }
 
+QString helpSection(screens::ScreenKey key) {
+    using screens::ScreenKey;
+    static const std::map<ScreenKey, QString> sections = {
+        {ScreenKey::Quality, "Quality control"},
+        {ScreenKey::Transform, "Transform"},
+        {ScreenKey::Screen, "Screening"},
+        {ScreenKey::Calibrate, "Calibration"},
+        {ScreenKey::WeatherGen, "Weather generator"},
+        {ScreenKey::AnalyseData, "Summary statistics"},
+    };
+    const auto found = sections.find(key);
+    return found == sections.end() ? QString() : found->second;
+}
+
+bool picksPredictorFolder(screens::ScreenKey key) {
+    using screens::ScreenKey;
+    return key == ScreenKey::Screen || key == ScreenKey::Calibrate || key == ScreenKey::WeatherGen;
+}
+
 } // namespace varo::gui

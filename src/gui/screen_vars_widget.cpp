@@ -26,6 +26,7 @@ ScreenVarsWidget::ScreenVarsWidget(ScreenContext& context, QWidget* parent)
     : ScreenWidget(context, "Screen Variables", parent), record_(context.state) {
     addKey("Correlation", "tb1Correlation", [this] { analyse(false); });
     addKey("Explained Variance", "tb1Variance", [this] { analyse(true); });
+    addKey("Save Report...", "tb1Save", [this] { saveReport(); });
     addKey("Reset", "tb1Reset", [this] {
         record_.reset();
         showRecord();
@@ -43,6 +44,9 @@ ScreenVarsWidget::ScreenVarsWidget(ScreenContext& context, QWidget* parent)
     results_->setLineWrapMode(QPlainTextEdit::NoWrap);
     results_->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
     content()->addWidget(results_, 1);
+    savedTo_ = namedLabel("SavedReport", this);
+    savedTo_->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    content()->addWidget(savedTo_);
     showRecord();
 }
 
@@ -166,6 +170,7 @@ void ScreenVarsWidget::showRecord() {
 
 // The report in its columns; the best predictor of each month stands out in bold red.
 void ScreenVarsWidget::showReport() {
+    savedTo_->clear();
     if (!record_.report) {
         results_->clear();
         return;
@@ -182,6 +187,12 @@ void ScreenVarsWidget::showReport() {
         cursor.setPosition(block.position() + static_cast<int>(mark.column + mark.length),
                            QTextCursor::KeepAnchor);
         cursor.setCharFormat(best);
+    }
+}
+
+void ScreenVarsWidget::saveReport() {
+    if (const auto path = record_.pickAndSaveReport(context_.dialogs)) {
+        savedTo_->setText("Report saved to " + qt(*path));
     }
 }
 

@@ -1,6 +1,7 @@
 // The screening screen of the desktop program, over `screens::ScreenVarsScreen`: the
 // predictand, the predictor list of a folder with each file's description from the
-// predictor table, the period and process, and the report of the last analysis.
+// predictor table, the period and process, and the report of the last analysis, which the
+// Save key writes to a text file.
 #pragma once
 
 #include "gui/screen_widget.hpp"
@@ -29,6 +30,7 @@ private:
     void showPredictorList();
     void showReport();
     void analyse(bool variance);
+    void saveReport();
 
     screens::ScreenVarsScreen record_;
     QLabel* predictandLabel_ = nullptr;
@@ -41,6 +43,7 @@ private:
     QButtonGroup* process_ = nullptr;
     QCheckBox* autoregression_ = nullptr;
     QPlainTextEdit* results_ = nullptr;
+    QLabel* savedTo_ = nullptr;
 };
 
 } // namespace varo::gui

@@ -57,6 +57,39 @@ private:
     ProgressBar* progress_;
 };
 
+// Passes everything on to the screen's dialogs, but first lets the screen show what its
+// record holds, so that what a run found stands on the screen behind the box that reports
+// it rather than after the box is closed.
+class ShowFirstDialogs final : public screens::Dialogs {
+public:
+    ShowFirstDialogs(screens::Dialogs& inner, std::function<void()> show)
+        : inner_(inner), show_(std::move(show)) {}
+
+    void message(std::string_view title, std::string_view text, screens::Icon icon) override {
+        show_();
+        inner_.message(title, text, icon);
+    }
+    bool askYesNo(std::string_view title, std::string_view text, screens::Icon icon) override {
+        show_();
+        return inner_.askYesNo(title, text, icon);
+    }
+    std::optional<std::string> pickOpenFile(std::string_view filter,
+                                            std::string_view startFolder) override {
+        return inner_.pickOpenFile(filter, startFolder);
+    }
+    std::optional<std::string> pickSaveFile(std::string_view filter, std::string_view startFolder,
+                                            std::string_view defaultExtension) override {
+        return inner_.pickSaveFile(filter, startFolder, defaultExtension);
+    }
+    std::optional<std::string> pickFolder(std::string_view startFolder) override {
+        return inner_.pickFolder(startFolder);
+    }
+
+private:
+    screens::Dialogs& inner_;
+    std::function<void()> show_;
+};
+
 // A read-only text field for a result.
 QLineEdit* resultField(const QString& name, QWidget* parent = nullptr);
 

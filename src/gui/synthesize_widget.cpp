@@ -21,6 +21,7 @@ SynthesizeWidget::SynthesizeWidget(ScreenContext& context, QWidget* parent)
         showRecord();
     });
     addKey("Settings", "tb1Settings", [this] { context_.openSettings(); });
+    addKey("Help", "tb1Help", [this] { context_.openHelp(); });
 
     auto* columns = new QHBoxLayout();
     auto* left = new QVBoxLayout();

@@ -6,6 +6,7 @@
 #pragma once
 
 #include "core/program_state.hpp"
+#include "core/results_table.hpp"
 #include "screens/dialogs.hpp"
 #include "screens/screen_run.hpp"
 #include "screens/text_field.hpp"
@@ -17,6 +18,12 @@
 #include <string>
 
 namespace varo::screens {
+
+// A results table with the short name a tab or a heading shows it by.
+struct NamedTable {
+    std::string name;
+    core::ResultsTable table;
+};
 
 class AnalyseScreen {
 public:
@@ -53,6 +60,7 @@ public:
     // What the last run computed and the labels of its report, for the command line.
     std::optional<statistics::AnalysisResults> results;
     statistics::ReportLabels labels;
+    std::string resultsPath; // the results file they were written to
 
     void pickInputFile(Dialogs& dialogs);
     void pickSaveFile(Dialogs& dialogs);
@@ -68,6 +76,14 @@ public:
     // The run: every check in order, then the statistics and the results file.
     RunOutcome run(Dialogs& dialogs, core::Progress& progress);
 
+    // The last run's results as the tables of its results file, in the file's order and with
+    // its numbers: the statistics by month, season and year ("Statistics"); with the
+    // ensemble mean their "Standard deviations"; with deltas the changes of "Period A", "B"
+    // and "C", the "T test" of the mean (values above 1.96 picked out) and its "Degrees of
+    // freedom". Missing values read as the missing value code, as in the file. Empty
+    // before a run has succeeded.
+    std::vector<NamedTable> resultTables() const;
+
 private:
     std::optional<std::string>
     runRefusal(const std::optional<weathergen::SimulationDescription>& description) const;
@@ -79,6 +95,7 @@ private:
     statistics::ReportLabels buildLabels(const statistics::AnalysisRequest& request) const;
 
     core::ProgramState& state_;
+    double resultsMissingCode_ = 0.0; // the missing value code the results were computed with
 };
 
 } // namespace varo::screens

@@ -4,6 +4,7 @@
 #include "screens/folder_listing.hpp"
 
 #include "core/dates.hpp"
+#include "core/failure.hpp"
 #include "core/numeric_text.hpp"
 #include "core/series_file.hpp"
 
@@ -287,6 +288,47 @@ RunOutcome ScreenVarsScreen::scatter(Dialogs& dialogs, core::Progress& progress)
             clearResults();
             state_.stopRequested.clear();
         });
+}
+
+namespace {
+constexpr std::string_view NoReportMessage =
+    "There is no report to save yet: run Correlation or Explained Variance first.";
+}
+
+bool saveReportText(const std::vector<std::string>& lines, const std::string& path,
+                    Dialogs& dialogs) {
+    std::string text;
+    for (const std::string& line : lines) {
+        text += line;
+        text += "\r\n";
+    }
+    try {
+        core::writeTextFile(path, text);
+    } catch (const core::Failure& failure) {
+        dialogs.error(core::reportFailureText(failure.number(), failure.description()));
+        return false;
+    }
+    return true;
+}
+
+bool ScreenVarsScreen::saveReport(const std::string& path, Dialogs& dialogs) {
+    if (!report) {
+        dialogs.error(NoReportMessage);
+        return false;
+    }
+    return saveReportText(report->lines, path, dialogs);
+}
+
+std::optional<std::string> ScreenVarsScreen::pickAndSaveReport(Dialogs& dialogs) {
+    if (!report) {
+        dialogs.error(NoReportMessage);
+        return std::nullopt;
+    }
+    const auto path = dialogs.pickSaveFile(ReportFilter, state_.defaultDir, "TXT");
+    if (!path || !saveReport(*path, dialogs)) {
+        return std::nullopt;
+    }
+    return path;
 }
 
 } // namespace varo::screens

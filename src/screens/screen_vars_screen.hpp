@@ -25,6 +25,12 @@ namespace varo::screens {
 // without regard to case; empty when no code stands in it.
 std::string predictorDescription(const core::ProgramState& state, std::string_view fileName);
 
+// Writes report lines as a text file, each ended by carriage return and line feed. A file
+// that cannot be written gets the failure box, and a partly written one is removed. True
+// when the file was written.
+bool saveReportText(const std::vector<std::string>& lines, const std::string& path,
+                    Dialogs& dialogs);
+
 // The entries of the period list: 0 "Annual", 1 to 4 the seasons, 5 to 16 the months.
 std::vector<std::string> periodEntries(const core::ProgramState& state);
 
@@ -33,6 +39,7 @@ public:
     static constexpr std::string_view PredictandFilter =
         "DAT Files (*.DAT)|*.DAT|All Files (*.*)|*.*";
     static constexpr std::string_view NotSelected = "Not selected";
+    static constexpr std::string_view ReportFilter = "TXT Files (*.TXT)|*.TXT|All Files (*.*)|*.*";
     static constexpr int Conditional = 0;
     static constexpr int Unconditional = 1;
 
@@ -90,6 +97,13 @@ public:
     // The points of the scatter chart: one predictor, or with the autoregression the
     // predictand's previous day, against the predictand.
     RunOutcome scatter(Dialogs& dialogs, core::Progress& progress);
+
+    // The report of the last analysis as a text file (`saveReportText`), as it stands on
+    // the screen with the best predictors marked '*'. With no report yet it says so.
+    bool saveReport(const std::string& path, Dialogs& dialogs);
+    // The Save key: picks the file (on the default folder) and saves the report to it;
+    // the path written, if it was.
+    std::optional<std::string> pickAndSaveReport(Dialogs& dialogs);
 
     void reset();
     // Shows the record's dates afresh after the settings changed.

@@ -4,9 +4,6 @@
 #include "core/number_format.hpp"
 #include "core/series_file.hpp"
 
-#include <cstdio>
-#include <memory>
-
 namespace varo::statistics {
 
 namespace {
@@ -88,15 +85,7 @@ std::string resultsText(const ReportLabels& labels, const AnalysisResults& resul
 }
 
 void writeResultsFile(const std::string& path, const std::string& text) {
-    std::unique_ptr<core::TextFileWriter> file = std::make_unique<core::TextFileWriter>(path);
-    try {
-        file->write(text);
-        file->close();
-    } catch (const core::Failure&) {
-        file.reset();
-        std::remove(path.c_str());
-        throw;
-    }
+    core::writeTextFile(path, text);
 }
 
 } // namespace varo::statistics

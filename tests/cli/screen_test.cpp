@@ -9,13 +9,9 @@ namespace {
 const std::string Data = std::string(VARO_TEST_DATA) + "/screening/";
 
 std::vector<std::string> screenArgs(const std::string& analysis) {
-    return {"screen",
-            analysis,
-            Data + "predictand.dat",
-            Data + "p1_mslp.dat",
-            Data + "p2_p500.dat",
-            "--end",
-            "31/12/1963"};
+    return {
+        "screen", analysis,    Data + "predictand.dat", Data + "p1_mslp.dat", Data + "p2_p500.dat",
+        "--end",  "31/12/1963"};
 }
 } // namespace
 
@@ -66,4 +62,36 @@ TEST(CliScreen, ScatterPrintsTheChartsPointsAndBadRunsExitTwoOrOne) {
     const auto shortFiles = runVaro(dir, whole);
     EXPECT_EQ(shortFiles.exitCode, 1);
     EXPECT_NE(shortFiles.err.find("Input past end of file."), std::string::npos);
+}
+
+// -o saves what is printed as the screen's Save key writes it (CR LF line ends) and names
+// the file; a file it cannot write gets the failure text and exit 1.
+TEST(CliScreen, OutputSavesTheReportAsText) {
+    TempDir dir;
+    for (const std::string analysis : {"variance", "scatter"}) {
+        SCOPED_TRACE(analysis);
+        auto args = screenArgs(analysis);
+        if (analysis == "scatter") {
+            args.erase(args.begin() + 4); // one predictor
+        }
+        const std::string report = dir.path(analysis + ".txt");
+        args.insert(args.end(), {"-o", report});
+        const auto run = runVaro(dir, args);
+        ASSERT_EQ(run.exitCode, 0) << run.err;
+        std::string expected;
+        for (size_t at = 0, end; (end = run.out.find('\n', at)) != std::string::npos;
+             at = end + 1) {
+            expected += run.out.substr(at, end - at) + "\r\n";
+        }
+        EXPECT_GT(expected.size(), 40u);
+        EXPECT_EQ(readFile(report), expected);
+        EXPECT_EQ(run.err, "Report written: " + report + "\n");
+    }
+    auto args = screenArgs("correlation");
+    args.insert(args.end(), {"--output", dir.path("missing/report.txt")});
+    const auto failed = runVaro(dir, args);
+    EXPECT_EQ(failed.exitCode, 1);
+    EXPECT_EQ(failed.err.rfind("Error Message: ", 0), 0u) << failed.err;
+    EXPECT_NE(failed.err.find(dir.path("missing/report.txt")), std::string::npos) << failed.err;
+    EXPECT_FALSE(fileExists(dir.path("missing/report.txt")));
 }

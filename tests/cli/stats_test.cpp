@@ -1,5 +1,7 @@
 #include "cli_test_support.hpp"
+#include "support/results_file_tables.hpp"
 
+#include <algorithm>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
@@ -76,7 +78,83 @@ CliRun runStats(const TempDir& dir, const std::string& input, const std::string&
     return runVaro(dir, args);
 }
 
+std::string trimmed(const std::string& text) {
+    const size_t first = text.find_first_not_of(' ');
+    return first == std::string::npos ? ""
+                                      : text.substr(first, text.find_last_not_of(' ') + 1 - first);
+}
+
+// The tables printed on stdout: after a blank line, a title, a heading and one line a row.
+// Labels stand left and numbers right, columns apart by at least two blanks, so the right
+// end of each heading ends its column, and an empty cell stays a cell.
+std::vector<TextTable> printedTables(const std::string& out) {
+    const auto lines = splitAt(out, "\n");
+    std::vector<TextTable> tables;
+    for (size_t i = 0; i + 2 < lines.size(); ++i) {
+        if (!lines[i].empty()) {
+            continue;
+        }
+        std::vector<std::string> rows;
+        size_t labelsEnd = 0;
+        for (size_t r = i + 2; r < lines.size() && !lines[r].empty(); ++r) {
+            rows.push_back(lines[r]);
+            labelsEnd = std::max(labelsEnd, std::min(lines[r].find("  "), lines[r].size()));
+        }
+        const std::string heading = rows.front() + "  ";
+        std::vector<size_t> ends{labelsEnd};
+        for (size_t c = labelsEnd; c + 1 < heading.size(); ++c) {
+            if (heading[c] != ' ' && heading.compare(c + 1, 2, "  ") == 0) {
+                ends.push_back(c + 1);
+            }
+        }
+        TextTable table;
+        for (const std::string& row : rows) {
+            const std::string line = row + std::string(heading.size(), ' ');
+            std::vector<std::string> cells{trimmed(line.substr(0, labelsEnd))};
+            for (size_t c = 1; c < ends.size(); ++c) {
+                cells.push_back(trimmed(line.substr(ends[c - 1], ends[c] - ends[c - 1])));
+            }
+            table.push_back(cells);
+        }
+        tables.push_back(table);
+    }
+    return tables;
+}
+
 } // namespace
+
+TEST(CliStats, PrintedTablesAreTheResultsFilesTablesAndQuietPrintsNone) {
+    // An ensemble mean with deltas: every kind of table, and missing cells where Period C
+    // has no autumn.
+    const std::vector<std::string> options = {"--ensemble-mean",
+                                              "--stats",
+                                              "Mean,Variance,Count,ACF",
+                                              "--delta",
+                                              "absolute",
+                                              "--base",
+                                              "01/01/1961:31/12/1962",
+                                              "--period-a",
+                                              "01/01/1963:31/12/1964",
+                                              "--period-b",
+                                              "01/01/1965:31/12/1966",
+                                              "--period-c",
+                                              "01/01/1967:30/06/1967"};
+    TempDir dir;
+    const auto run = runStats(dir, data("deltas.OUT"), dir.path("r.txt"), options);
+    ASSERT_EQ(run.exitCode, 0) << run.err;
+    const auto expected = resultsFileTables(readFile(dir.path("r.txt")));
+    ASSERT_EQ(expected.size(), 7u); // statistics, deviations, three deltas, T, degrees
+    EXPECT_EQ(printedTables(run.out), expected) << run.out;
+    EXPECT_NE(run.out.find("\nAutumn   "), std::string::npos);
+    EXPECT_NE(run.out.find("-999.000"), std::string::npos);
+
+    auto quiet = options;
+    quiet.insert(quiet.begin(), "--quiet");
+    const auto silent = runStats(dir, data("deltas.OUT"), dir.path("q.txt"), quiet);
+    ASSERT_EQ(silent.exitCode, 0) << silent.err;
+    EXPECT_EQ(silent.out, "");
+    EXPECT_EQ(readFile(dir.path("q.txt")), readFile(dir.path("r.txt")));
+}
 
 TEST(CliStats, ResultsFilesMatchTheIndependentComputationByteForByte) {
     for (const GoldenRun& golden : GoldenRuns) {
@@ -86,7 +164,11 @@ TEST(CliStats, ResultsFilesMatchTheIndependentComputationByteForByte) {
         const auto run = runStats(dir, data(golden.input), output, golden.args);
         ASSERT_EQ(run.exitCode, 0) << run.err;
         EXPECT_EQ(readFile(output), readFile(data(golden.expected)));
-        EXPECT_EQ(run.out, "Summary statistics saved to results.txt.\n");
+        EXPECT_EQ(
+            run.out.rfind("Summary statistics saved to results.txt.\n\nSummary statistics of " +
+                              golden.input + ", ",
+                          0),
+            0u);
     }
 }
 

@@ -1,8 +1,12 @@
 #include "gui/analyse_widget.hpp"
+#include "gui/results_table_view.hpp"
 #include "gui/stats_select_widget.hpp"
 #include "gui_test_support.hpp"
+#include "support/results_file_tables.hpp"
 
 #include <QCheckBox>
+#include <QLabel>
+#include <QTableWidget>
 
 using namespace varo;
 using varo::testing::GuiFixture;
@@ -62,4 +66,68 @@ TEST_F(GuiFixture, StatisticsSelectionKeepsEightTicksAndWritesTheStateOnLeaving)
     EXPECT_EQ(state.statisticTable[29].flag, "N");
     EXPECT_EQ(state.statisticParameters.nDayTotal, 10);
     EXPECT_EQ(state.statisticParameters.deltaKind, 2);
+}
+
+// A delta run of the ensemble mean shows every table of its results file, cell for cell,
+// and picks out the t values above 1.96; the tables stand before the closing box is shown.
+TEST_F(GuiFixture, SummaryStatisticsShowTheTablesOfTheResultsFile) {
+    for (auto& entry : state.statisticTable) {
+        const bool chosen = entry.name == "Mean" || entry.name == "Variance" ||
+                            entry.name == "Count" || entry.name == "ACF";
+        entry.flag = chosen ? "Y" : "N";
+    }
+    auto& periods = state.statisticParameters;
+    periods.deltaKind = 2;
+    periods.basePeriod = {"01/01/1961", "31/12/1962"};
+    periods.periodA = {"01/01/1963", "31/12/1964"};
+    periods.periodB = {"01/01/1965", "31/12/1966"};
+    periods.periodC = {"01/01/1967", "30/06/1967"};
+    window->goTo(screens::ScreenKey::AnalyseData);
+    dir.write("run.SIM", varo::testing::readFile(data("deltas.SIM")));
+    dialogs.pickedFiles = {dir.write("run.OUT", varo::testing::readFile(data("deltas.OUT"))),
+                           dir.path("r.txt")};
+    click("SelectInputFile");
+    click("SaveButton");
+    click("EnsembleMeanCheck");
+    click("DeltaCheck");
+    auto* tabs = find<gui::ResultsTabs>("ResultsTables");
+    EXPECT_EQ(tabs->count(), 0);
+    int tablesWhenSaid = -1;
+    dialogs.onMessage = [&](const varo::testing::ShownMessage&) { tablesWhenSaid = tabs->count(); };
+    click("tb1Analyse");
+    EXPECT_EQ(dialogs.lastText(), "Summary statistics saved to r.txt.");
+    EXPECT_EQ(tablesWhenSaid, 7);
+
+    const auto expected =
+        varo::testing::resultsFileTables(varo::testing::readFile(dir.path("r.txt")));
+    ASSERT_EQ(tabs->count(), static_cast<int>(expected.size()));
+    for (int t = 0; t < tabs->count(); ++t) {
+        SCOPED_TRACE(tabs->tabText(t).toStdString());
+        QTableWidget* grid = tabs->view(t)->grid();
+        varo::testing::TextTable shown{{}};
+        for (int c = 0; c < grid->columnCount(); ++c) {
+            shown[0].push_back(grid->horizontalHeaderItem(c)->text().toStdString());
+        }
+        for (int r = 0; r < grid->rowCount(); ++r) {
+            shown.emplace_back();
+            for (int c = 0; c < grid->columnCount(); ++c) {
+                const QTableWidgetItem* cell = grid->item(r, c);
+                shown.back().push_back(cell->text().toStdString());
+                const bool aboveCritical =
+                    tabs->tabText(t) == "T test" && c > 0 && cell->text().toDouble() > 1.96;
+                EXPECT_EQ(cell->font().bold(), aboveCritical) << r << "," << c;
+            }
+        }
+        EXPECT_EQ(shown, expected[static_cast<size_t>(t)]);
+    }
+    EXPECT_EQ(tabs->tabText(6), "Degrees of freedom");
+    EXPECT_EQ(tabs->view(2)->title()->text(),
+              "Period A: 01/01/1963 to 31/12/1964, absolute difference");
+
+    // A refused run leaves no tables of an earlier one.
+    click("EnsembleMeanCheck");
+    type("EnsembleNumber", "7");
+    click("tb1Analyse");
+    EXPECT_EQ(dialogs.lastText(), "Ensemble member does not exist in data file.");
+    EXPECT_EQ(tabs->count(), 0);
 }

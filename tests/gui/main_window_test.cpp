@@ -4,11 +4,14 @@
 #include "gui/help_viewer.hpp"
 #include "gui/progress_bar.hpp"
 #include "gui/quality_widget.hpp"
+#include "gui/screen_registry.hpp"
 
 #include <QAction>
 #include <QKeyEvent>
+#include <QTextBlock>
 #include <QTextBrowser>
 #include <QThread>
+#include <filesystem>
 
 using namespace varo;
 using varo::testing::GuiFixture;
@@ -103,4 +106,58 @@ TEST_F(GuiFixture, HelpViewerShowsTheBuiltInGuide) {
     ASSERT_NE(browser, nullptr);
     EXPECT_NE(browser->toPlainText().indexOf("VARO user guide"), -1);
     EXPECT_NE(browser->toPlainText().indexOf("A first run: the sample data"), -1);
+}
+
+// Every work screen's Help key opens the guide at the screen's own section, and the
+// settings screen's at "Settings".
+TEST_F(GuiFixture, HelpKeysOpenTheGuideAtTheScreensSection) {
+    window->showHome();
+    const auto helpShown = [&](const QString& key) -> QString {
+        click(key);
+        auto* viewer = window->findChild<gui::HelpViewer*>();
+        if (viewer == nullptr || !viewer->isVisible()) {
+            return "no viewer";
+        }
+        const QString heading = viewer->browser()->textCursor().block().text();
+        const QRect seen = viewer->browser()->viewport()->rect();
+        const QRect place = viewer->browser()->cursorRect(viewer->browser()->textCursor());
+        EXPECT_TRUE(seen.contains(place)) << heading.toStdString();
+        delete viewer;
+        return heading;
+    };
+    int screens = 0;
+    for (const auto& key : screens::hubToolbar()) {
+        if (key.key == screens::ScreenKey::Home || !window->screenAvailable(key.key)) {
+            continue;
+        }
+        window->goTo(key.key);
+        EXPECT_EQ(helpShown("tb1Help"), gui::helpSection(key.key)) << key.name;
+        EXPECT_FALSE(gui::helpSection(key.key).isEmpty()) << key.name;
+        ++screens;
+    }
+    EXPECT_EQ(screens, 6);
+    window->openSettings();
+    EXPECT_EQ(helpShown("menuHelp"), "Settings");
+}
+
+// Pickers open where the screen last picked, on a later visit too; the predictor folder
+// chosen on the screening screen is where the calibration screen's folder picker opens.
+TEST_F(GuiFixture, PickersOpenInTheFolderLastUsedOnTheScreen) {
+    std::filesystem::create_directories(dir.path("data"));
+    const std::string data = dir.write("data/rain.dat", "1\r\n");
+    window->showHome();
+    window->goTo(screens::ScreenKey::Quality);
+    dialogs.pickedFiles = {data};
+    click("SelectFileButton");
+    window->goTo(screens::ScreenKey::Transform);
+    window->goTo(screens::ScreenKey::Quality);
+    click("SelectFileButton");
+    EXPECT_EQ(dialogs.startFolders, (std::vector<std::string>{state.defaultDir, dir.path("data")}));
+
+    window->goTo(screens::ScreenKey::Screen);
+    dialogs.pickedFiles = {dir.path("data")};
+    click("Dir2");
+    window->goTo(screens::ScreenKey::Calibrate);
+    click("Dir2");
+    EXPECT_EQ(dialogs.startFolders.back(), dir.path("data"));
 }

@@ -15,7 +15,13 @@ TEST_F(GuiFixture, QualityScreenChecksAPickedFile) {
     dialogs.pickedFiles.push_back(dir.write("rain.dat", "1\r\n-999\r\n4\r\n"));
     click("SelectFileButton");
     EXPECT_EQ(find<QLabel>("SelectFileText")->text(), "rain.dat");
+    // The results stand on the screen while the closing box is still open.
+    QString totalWhileBoxOpen;
+    dialogs.onMessage = [&](const varo::testing::ShownMessage&) {
+        totalWhileBoxOpen = text("TotalText");
+    };
     click("tb1Check");
+    EXPECT_EQ(totalWhileBoxOpen, "3");
     EXPECT_EQ(dialogs.messages.back().title, "Quality check complete");
     EXPECT_EQ(dialogs.lastText(), "3 values processed in rain.dat.");
     EXPECT_EQ(text("TotalText"), "3");

@@ -56,3 +56,43 @@ TEST_F(GuiFixture, ScreeningScreenListsPredictorsAndShowsTheReports) {
     cursor.setPosition(block.position() + static_cast<int>(mark.column) + 1);
     EXPECT_EQ(cursor.charFormat().fontWeight(), QFont::Bold);
 }
+
+// The Save key writes the report as it stands, best predictors marked '*', lines ended by
+// CR LF; before a report it says there is none, and a file it cannot write is left absent.
+TEST_F(GuiFixture, ScreeningReportSavesAsText) {
+    window->showHome();
+    window->goTo(screens::ScreenKey::Screen);
+    click("tb1Save");
+    EXPECT_EQ(dialogs.lastText(),
+              "There is no report to save yet: run Correlation or Explained Variance first.");
+    EXPECT_TRUE(dialogs.startFolders.empty());
+
+    dialogs.pickedFiles = {Data + "predictand.dat", Data};
+    click("PredtandButton");
+    click("Dir2");
+    auto* list = find<QTreeWidget>("File2");
+    list->topLevelItem(1)->setSelected(true);
+    list->topLevelItem(3)->setSelected(true);
+    type("FEdate", "31/12/1963");
+    click("tb1Variance");
+    const auto& record = static_cast<gui::ScreenVarsWidget*>(window->currentScreen())->record();
+    ASSERT_TRUE(record.report);
+    std::string expected;
+    for (const std::string& line : record.report->lines) {
+        expected += line + "\r\n";
+    }
+    EXPECT_NE(expected.find('*'), std::string::npos);
+
+    dialogs.pickedFiles = {dir.path("report.txt")};
+    click("tb1Save");
+    EXPECT_EQ(varo::testing::readFile(dir.path("report.txt")), expected);
+    EXPECT_EQ(find<QLabel>("SavedReport")->text(),
+              QString::fromStdString("Report saved to " + dir.path("report.txt")));
+
+    const size_t shown = dialogs.messages.size();
+    dialogs.pickedFiles = {dir.path("no-such-folder/report.txt")};
+    click("tb1Save");
+    ASSERT_EQ(dialogs.messages.size(), shown + 1);
+    EXPECT_EQ(dialogs.messages.back().title, "Error Message");
+    EXPECT_FALSE(varo::testing::fileExists(dir.path("no-such-folder/report.txt")));
+}
