@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Renders every screen of the desktop program at its opening state into docs/images/, so
-# that the user guide's pictures come from the program itself.
+# Renders every screen of the desktop program at its opening state into docs/images/, and
+# the screens with results after a run on the sample data (NAME-results), so that the user
+# guide's pictures come from the program itself.
 # Usage: scripts/screenshots.sh [BUILD_DIR]   (default build/release)
 set -euo pipefail
 build=${1:-build/release}
@@ -11,7 +12,8 @@ mkdir -p "$out"
 export QT_QPA_PLATFORM=offscreen
 # A home folder of no one in particular, so that the pictures show no local paths; the
 # screenshot mode reads the settings file there (absent) and writes nothing.
-for screen in intro home quality transform screen calibrate generate stats settings advsettings; do
+for screen in intro home quality transform screen calibrate generate stats settings advsettings \
+  screen-results stats-results; do
   if env -u XDG_CONFIG_HOME HOME=/home/you "$gui" --screen "$screen" --screenshot "$out/$screen.png" 2>/dev/null; then
     echo "docs/images/$screen.png"
   fi

@@ -1,6 +1,6 @@
 // varo stats IN -o RESULTS.TXT: the summary statistics of an observed series or a modelled
 // OUT file, through the statistics selection screen (statistics and parameters) and the
-// summary statistics screen (source, member, period, run).
+// summary statistics screen (source, member, period, run), printing the tables it wrote.
 #include "cli/commands.hpp"
 
 #include "core/numeric_text.hpp"
@@ -47,7 +47,8 @@ observed (one number a day from GlobalSDate, the calendar of the settings). --de
 any period option makes a delta run: the base period (default 01/01/1961:31/12/1990)
 against Periods A (2011-2040), B (2041-2070) and C (2071-2099), percentage differences
 unless --delta absolute. Dates are DD/MM/YYYY; a period is START:END, two dates, as in
---base 01/01/1961:31/12/1990.)";
+--base 01/01/1961:31/12/1990. The tables written to the results file are printed as well
+(not with --quiet); --json gives them as data instead.)";
 
 std::string lowerCase(std::string text) {
     for (char& c : text) {

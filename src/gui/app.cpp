@@ -31,6 +31,32 @@ std::optional<screens::ScreenKey> sampleRunKey(const QString& name) {
     return key == nullptr ? std::nullopt : std::optional(key->key);
 }
 
+// Opens the page named on the command line; with a sample folder, a NAME-results page is
+// the screen after its sample run there. 0, or the exit status of a name refused.
+int openPage(MainWindow& window, SampleDialogs& dialogs, const QString& name,
+             const QString& sampleFolder) {
+    const auto sampleKey = sampleFolder.isEmpty() ? std::nullopt : sampleRunKey(name);
+    if (!sampleKey) {
+        if (!showNamedScreen(window, name)) {
+            std::cerr << "varo-gui: there is no screen '" << name.toStdString() << "'\n";
+            return 2;
+        }
+        return 0;
+    }
+    window.showHome();
+    try {
+        if (!runSample(window, dialogs, *sampleKey,
+                       (sampleFolder + "/demo-output").toStdString())) {
+            std::cerr << "varo-gui: there is no sample run of '" << name.toStdString() << "'\n";
+            return 2;
+        }
+    } catch (const core::Failure& failure) {
+        std::cerr << "varo-gui: " << failure.description() << '\n';
+        return 1;
+    }
+    return 0;
+}
+
 } // namespace
 
 bool showNamedScreen(MainWindow& window, const QString& name) {
@@ -99,29 +125,12 @@ int runDesktop(QApplication& app) {
     SampleDialogs pictureDialogs(std::cerr);
     const bool picture = parser.isSet(screenshot);
     MainWindow window(state, picture ? &pictureDialogs : nullptr);
-    const auto sampleKey = picture ? sampleRunKey(parser.value(screen)) : std::nullopt;
     QTemporaryDir sampleFolder;
-    if (sampleKey) {
-        window.showHome();
-        try {
-            if (!runSample(window, pictureDialogs, *sampleKey,
-                           (sampleFolder.path() + "/demo-output").toStdString())) {
-                std::cerr << "varo-gui: there is no sample run of '"
-                          << parser.value(screen).toStdString() << "'\n";
-                return 2;
-            }
-        } catch (const core::Failure& failure) {
-            std::cerr << "varo-gui: " << failure.description() << '\n';
-            return 1;
-        }
-    } else if (parser.isSet(screen)) {
-        if (!showNamedScreen(window, parser.value(screen))) {
-            std::cerr << "varo-gui: there is no screen '" << parser.value(screen).toStdString()
-                      << "'\n";
-            return 2;
-        }
-    } else {
+    if (!parser.isSet(screen)) {
         window.showStart();
+    } else if (const int refused = openPage(window, pictureDialogs, parser.value(screen),
+                                            picture ? sampleFolder.path() : QString())) {
+        return refused;
     }
     if (parser.isSet(screenshot)) {
         const bool saved = saveScreenshot(window, parser.value(screen), parser.value(screenshot));

@@ -30,6 +30,12 @@ protected:
         EXPECT_TRUE(QTest::qWaitForWindowActive(window.get()));
     }
 
+    // Goes to a screen and deletes the page left at once, so that names find the new one.
+    void goTo(screens::ScreenKey key) const {
+        window->goTo(key);
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
+
     template <typename T = QWidget>
     T* find(const QString& name) const {
         T* found = window->findChild<T*>(name);
