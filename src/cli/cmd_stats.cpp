@@ -260,6 +260,9 @@ int runStats(CliContext& context, const StatsOptions& options) {
                         std::any_of(options.periods.begin(), options.periods.end(),
                                     [](const auto& period) { return period.has_value(); });
     const auto outcome = screen.run(context.dialogs(), context.progress());
+    if (outcome == screens::RunOutcome::Done) {
+        context.reportWritten("Results file", options.output);
+    }
     if (outcome == screens::RunOutcome::Done && context.options.json) {
         context.printJson(jsonReport(screen, context.state.globalMissingCode));
     }

@@ -72,7 +72,8 @@ TEST(CliCalibrate, JsonCarriesBothStagesAndCrossValidationMessagesDoNotStopTheRu
                                                   {"--json"}));
     ASSERT_EQ(folds.exitCode, 0) << folds.err;
     EXPECT_EQ(folds.err, "Error Message: Sorry - insufficient data for all cross validation "
-                         "metrics to be calculated.\n");
+                         "metrics to be calculated.\nParameter file written: " +
+                             par + "\n");
     const auto validated = nlohmann::json::parse(folds.out);
     EXPECT_TRUE(validated["crossValidation"][0]["propCorrect"].is_null());
     EXPECT_TRUE(validated["amountCrossValidation"][0]["spearman"].is_null());
@@ -108,9 +109,49 @@ TEST(CliCalibrate, StepwiseAsksFirstAndNamesTheChosenPredictors) {
     const auto accepted = runVaro(dir, args);
     ASSERT_EQ(accepted.exitCode, 0) << accepted.err;
     EXPECT_TRUE(contains(readFile(par), "rain.dat\r\nmslp.dat\r\nshum.dat\r\n"));
+    EXPECT_TRUE(contains(accepted.out, "\nStepwise selection (AIC) tried 3 subsets of mslp.dat, "
+                                       "shum.dat\nChosen: mslp.dat, shum.dat (criterion "))
+        << accepted.out;
+}
 
-    args.push_back("--autoregression");
-    const auto refusedLag = runVaro(dir, args);
-    EXPECT_EQ(refusedLag.exitCode, 2);
-    EXPECT_TRUE(contains(refusedLag.err, "autoregression with the stepwise")) << refusedLag.err;
+// tests/data/calibration/stepwise_lag/make_reference.py: the chosen subsets and their
+// coefficients by numpy; the parameter file holds them to three decimals.
+TEST(CliCalibrate, StepwiseWithTheLagTermWritesWhatTheSearchKept) {
+    const std::string lagData = std::string(VARO_TEST_DATA) + "/calibration/stepwise_lag/";
+    struct Case {
+        std::vector<std::string> predictors;
+        std::string names;      // lines 12 on of the parameter file
+        std::string lagLine;    // line 11
+        std::string januaryRow; // the start of the line after the names
+    };
+    const Case cases[] = {
+        {{"a.dat", "dup.dat", "b.dat"},
+         "y.dat\r\na.dat\r\nb.dat\r\n",
+         "True",
+         "0.990         0.796         -0.307        0.554         "},
+        {{"a.dat", "ylag.dat"},
+         "y.dat\r\na.dat\r\nylag.dat\r\n",
+         "False",
+         "0.935         0.763         0.573         "},
+    };
+    TempDir dir;
+    for (const Case& c : cases) {
+        const auto par = dir.path("LAG.PAR");
+        std::vector<std::string> args{
+            "--set", "GlobalSDate=01/01/1961", "--set",     "GlobalEDate=30/04/1961",
+            "--set", "ApplyStepwise=True",     "calibrate", lagData + "y.dat"};
+        for (const std::string& name : c.predictors) {
+            args.push_back(lagData + name);
+        }
+        args.insert(args.end(), {"-o", par, "--model", "annual", "--autoregression", "--yes"});
+        const auto run = runVaro(dir, args);
+        ASSERT_EQ(run.exitCode, 0) << run.err;
+        const std::string text = readFile(par);
+        EXPECT_TRUE(contains(text, "\r\n" + c.lagLine + "\r\n" + c.names + c.januaryRow)) << text;
+        // The weather generator reads the file as written.
+        const auto generated = runVaro(
+            dir, {"--set", "GlobalSDate=01/01/1961", "generate", par, "--predictors", lagData, "-o",
+                  dir.path("LAG.OUT"), "--start", "01/01/1961", "--days", "30", "--ensemble", "2"});
+        EXPECT_EQ(generated.exitCode, 0) << generated.err;
+    }
 }

@@ -144,3 +144,36 @@ TEST(FileNames, BareNameAndFolder) {
     EXPECT_EQ(folderOf("/a/b/c.dat"), "/a/b");
     EXPECT_EQ(folderOf("c.dat"), "");
 }
+
+TEST(FileNames, AbsolutePathIsTidiedAgainstTheWorkingFolder) {
+    const std::filesystem::path here = std::filesystem::current_path();
+    EXPECT_EQ(absolutePath("data/./rain.dat"), (here / "data/rain.dat").string());
+    EXPECT_EQ(absolutePath("data/../rain.dat"), (here / "rain.dat").string());
+    EXPECT_EQ(absolutePath("/a/b/../c.dat"), "/a/c.dat");
+    EXPECT_EQ(absolutePath(""), "");
+}
+
+TEST(FirstLine, EndsAtWhicheverLineEndComesFirst) {
+    const std::pair<std::string, std::string> cases[] = {
+        {"12.5\r\n3\r\n", "12.5"},
+        {"12.5\n3\n", "12.5"},
+        {"12.5\r3\r", "12.5"},
+        {"12.5\n\r3", "12.5"},
+        {"\r\n12.5\r\n", ""},
+        {"12.5", "12.5"},
+        {"", ""},
+        {"1 2 3\t4\n5", "1 2 3\t4"},
+    };
+    TempDir dir;
+    for (const auto& [content, first] : cases) {
+        EXPECT_EQ(readFirstLine(dir.write("a.dat", content)), first) << content;
+    }
+    EXPECT_EQ(readFirstLine(dir.path("absent.dat")), std::nullopt);
+}
+
+TEST(FirstLine, FileWithoutLineEndsIsReadOnlyToTheLimit) {
+    TempDir dir;
+    const auto path = dir.write("long.dat", std::string(100000, '7'));
+    EXPECT_EQ(readFirstLine(path, 16), std::string(16, '7'));
+    EXPECT_EQ(readFirstLine(path)->size(), 4096u);
+}

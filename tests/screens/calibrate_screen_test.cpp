@@ -137,8 +137,7 @@ TEST_F(CalibrateFixture, RunChecksComeInTheirOrderAndStopAtTheFirst) {
     screen.parFileText = dir.path("MODEL.PAR");
     EXPECT_EQ(refusal(), "Number of folds cannot be less than 2 or greater than 10.");
     EXPECT_EQ(refusal(), "Histogram catgeories cannot be less than 5 or greater than 100.");
-    EXPECT_EQ(refusal(), "You cannot include autoregression with the stepwise approach.");
-    screen.autoRegressionCheck = false;
+    // Stepwise selection with the lag term is allowed: the question comes next.
     EXPECT_EQ(refusal(), ""); // the question, answered No
     EXPECT_EQ(dialogs.questions.size(), 1u);
     EXPECT_FALSE(fileExists(dir.path("MODEL.PAR")));
