@@ -42,14 +42,9 @@ config_file() {
   done
 }
 
-# The packages that own a file, one a line, without architecture suffixes.
-owners() {
-  dpkg -S "$1" 2>/dev/null | grep -v '^diversion by' | sed 's/: .*//' | tr ',' '\n' |
-    sed 's/^ *//; s/:.*//' | sort -u
-}
-
 status=0
-checked=0
+names=()
+files=()
 while IFS= read -r entry; do
   name="${entry%%_DIR:*}"
   folder="${entry#*=}"
@@ -59,28 +54,33 @@ while IFS= read -r entry; do
   esac
   file="$(config_file "$name" "$folder")"
   [ -n "$file" ] || continue
-  checked=$((checked + 1))
-  packages="$(owners "$file")"
+  names+=("$name")
+  files+=("$file")
+done < <(grep -E '^[A-Za-z0-9_.+-]+_DIR:[A-Z]+=' "$cache")
+
+# One query for every file: lines "package[:arch][, package[:arch]]...: path".
+owners_of_all="$(dpkg -S "${files[@]}" 2>/dev/null | grep -v '^diversion by' || true)"
+
+for i in "${!files[@]}"; do
+  name="${names[$i]}"
+  file="${files[$i]}"
+  # The line that ends in exactly this path; its packages without architecture suffixes.
+  packages="$(awk -v tail=": ${file}" 'substr($0, length($0) - length(tail) + 1) == tail' \
+    <<<"$owners_of_all" | sed 's/: .*//' | tr ',' '\n' | sed 's/^ *//; s/:.*//' | sort -u)"
   if [ -z "$packages" ]; then
     echo "check-deps: ${name} (${file}) belongs to no Debian package; a fresh machine will not have it" >&2
     status=1
     continue
   fi
-  found=""
-  while IFS= read -r package; do
-    if grep -qxF "$package" <<<"$listed"; then
-      found="$package"
-    fi
-  done <<<"$packages"
-  if [ -z "$found" ]; then
+  if ! grep -qxF -f <(printf '%s\n' "$packages") <<<"$listed"; then
     for package in $packages; do
       echo "check-deps: ${name} comes from package ${package}, which ${install_script##*/} does not install; add it there" >&2
     done
     status=1
   fi
-done < <(grep -E '^[A-Za-z0-9_.+-]+_DIR:[A-Z]+=' "$cache")
+done
 
 if [ "$status" -eq 0 ]; then
-  echo "check-deps: ${checked} package configurations, all installed by ${install_script##*/}"
+  echo "check-deps: ${#files[@]} package configurations, all installed by ${install_script##*/}"
 fi
 exit "$status"

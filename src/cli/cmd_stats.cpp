@@ -289,9 +289,13 @@ void addStatsCommand(CLI::App& app, CliContext& context, CommandResult& result) 
     auto* mean = stats->add_flag("--ensemble-mean", options->ensembleMean,
                                  "Mean and standard deviation over all members");
     member->excludes(mean);
-    stats->add_option("--start", options->start, "First day of the analysis (default GlobalSDate)")
+    stats
+        ->add_option("--start", options->start,
+                     "First day of the analysis (default: the settings' start date)")
         ->type_name(kind::Date);
-    stats->add_option("--end", options->end, "Last day of the analysis (default GlobalEDate)")
+    stats
+        ->add_option("--end", options->end,
+                     "Last day of the analysis (default: the settings' end date)")
         ->type_name(kind::Date);
     stats
         ->add_option("--stats", options->stats,

@@ -158,13 +158,12 @@ void synthesize(const SynthesisRequest& request, const core::ProgramState& state
     const SynthesisSettings settings = SynthesisSettings::fromState(state);
     DailySynthesis synthesis(model, settings, request.ensembleSize, random,
                              sample ? &*sample : nullptr);
-    const core::DatesInUse dates{
-        model.header.recordStartText,
-        {},
-        core::formatDate(request.start),
-        core::formatDate(core::dateFromSerial(core::serialDay(request.start) + request.days - 1)),
-        "run",
-        state.yearIndicator};
+    const core::DatesInUse dates{model.header.recordStartText,
+                                 {},
+                                 core::formatDate(request.start),
+                                 {},
+                                 "run of " + std::to_string(request.days) + " days from",
+                                 state.yearIndicator};
     core::readingByDates(
         dates, [&] { skipToStart(predictors, model.header.recordStart, request.start, progress); });
 

@@ -1,8 +1,10 @@
 #include "cli_test_support.hpp"
 
 #include <algorithm>
+#include <filesystem>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
+#include <sstream>
 
 using namespace varo::testing;
 
@@ -154,4 +156,109 @@ TEST(CliCalibrate, StepwiseWithTheLagTermWritesWhatTheSearchKept) {
                   dir.path("LAG.OUT"), "--start", "01/01/1961", "--days", "30", "--ensemble", "2"});
         EXPECT_EQ(generated.exitCode, 0) << generated.err;
     }
+}
+
+TEST(CliCalibrate, NamesTheFileItWroteAndPrintsTheCoefficientsAsTheFileHoldsThem) {
+    TempDir dir;
+    const auto par = dir.path("MODEL.PAR");
+    const auto run = runVaro(dir, calibrateArgs(par, {"--model", "seasonal"}));
+    ASSERT_EQ(run.exitCode, 0) << run.err;
+    EXPECT_EQ(run.err, "Parameter file written: " + par + "\n");
+    // Each season's row of the table is the constant and the two coefficients that the
+    // parameter file holds for the season's first month.
+    const std::string file = readFile(par);
+    const size_t rows = file.find("\r\n", file.find("shum.dat\r\n")) + 2;
+    const auto monthRow = [&](int month) {
+        size_t at = rows;
+        for (int m = 1; m < month; ++m) {
+            at = file.find("\r\n", at) + 2;
+        }
+        std::istringstream values(file.substr(at, file.find("\r\n", at) - at));
+        std::string constant;
+        std::string first;
+        std::string second;
+        values >> constant >> first >> second;
+        return constant + "  " + first + "  " + second;
+    };
+    EXPECT_TRUE(contains(run.out, "\nModel Coefficients\nSeason  Constant  mslp.dat  shum.dat\n"))
+        << run.out;
+    for (const auto& [season, month] : std::vector<std::pair<std::string, int>>{
+             {"Winter", 1}, {"Spring", 3}, {"Summer", 6}, {"Autumn", 9}}) {
+        const std::string row = monthRow(month);
+        EXPECT_TRUE(contains(run.out, season)) << season;
+        const size_t line = run.out.find("\n" + season + " ");
+        ASSERT_NE(line, std::string::npos) << season;
+        std::istringstream printed(run.out.substr(line + 1, run.out.find('\n', line + 1) - line));
+        std::string label;
+        std::string a;
+        std::string b;
+        std::string c;
+        printed >> label >> a >> b >> c;
+        EXPECT_EQ(a + "  " + b + "  " + c, row) << season;
+    }
+
+    const auto quiet = runVaro(dir, calibrateArgs(par, {"--model", "seasonal"}, {"--quiet"}));
+    ASSERT_EQ(quiet.exitCode, 0) << quiet.err;
+    EXPECT_EQ(quiet.err, "");
+    EXPECT_FALSE(contains(quiet.out, "Model Coefficients"));
+
+    const auto json = runVaro(dir, calibrateArgs(par, {"--model", "seasonal"}, {"--json"}));
+    ASSERT_EQ(json.exitCode, 0) << json.err;
+    const auto report = nlohmann::json::parse(json.out);
+    ASSERT_EQ(report["coefficients"].size(), 1u);
+    const auto& table = report["coefficients"][0];
+    EXPECT_EQ(table["columns"], (nlohmann::json{"Constant", "mslp.dat", "shum.dat"}));
+    ASSERT_EQ(table["rows"].size(), 4u);
+    EXPECT_EQ(table["rows"][2]["label"], "Summer");
+    EXPECT_FALSE(report.contains("stepwise"));
+}
+
+TEST(CliCalibrate, ConditionalModelShowsBothStagesWithTheTransformationsParameters) {
+    TempDir dir;
+    const auto par = dir.path("COND.PAR");
+    const auto json = runVaro(dir, calibrateArgs(par, {"--process", "conditional"},
+                                                 {"--json", "--set", "ModelTransformation=4"}));
+    ASSERT_EQ(json.exitCode, 0) << json.err;
+    const auto tables = nlohmann::json::parse(json.out)["coefficients"];
+    ASSERT_EQ(tables.size(), 2u);
+    EXPECT_EQ(tables[0]["title"], "Occurrence Model Coefficients");
+    EXPECT_EQ(tables[1]["title"], "Amount Model Coefficients");
+    EXPECT_EQ(tables[1]["columns"],
+              (nlohmann::json{"Constant", "mslp.dat", "shum.dat", "Mean Ratio"}));
+    ASSERT_EQ(tables[1]["rows"].size(), 12u);
+    EXPECT_EQ(tables[1]["rows"][11]["label"], "December");
+}
+
+// The parameter file keeps the predictand's path absolute, so that a model calibrated with
+// a relative path is generated from another folder.
+TEST(CliCalibrate, RelativePredictandPathSurvivesACd) {
+    TempDir dir;
+    const std::filesystem::path home = dir.folder();
+    std::filesystem::create_directories(home / "data");
+    for (const char* name : {"rain.dat", "mslp.dat", "shum.dat"}) {
+        std::filesystem::copy_file(Data + "/" + name, home / "data" / name);
+    }
+    const std::vector<std::string> settings{"--settings", (home / "VARO.INI").string(),
+                                            "--set",      "GlobalSDate=01/01/1961",
+                                            "--set",      "GlobalEDate=31/12/1966",
+                                            "--set",      "ModelTransformation=4",
+                                            "--set",      "RandomSeed=False"};
+    {
+        WorkingFolder here(home);
+        auto args = settings;
+        args.insert(args.end(), {"calibrate", "data/rain.dat", "data/mslp.dat", "data/shum.dat",
+                                 "-o", "model.PAR", "--process", "conditional"});
+        const auto calibrated = runVaroAsTyped(args);
+        ASSERT_EQ(calibrated.exitCode, 0) << calibrated.err;
+    }
+    const std::string par = readFile((home / "model.PAR").string());
+    EXPECT_TRUE(contains(par, "\r\n" + (home / "data/rain.dat").string() + "\r\n")) << par;
+
+    WorkingFolder elsewhere(home / "runs");
+    auto args = settings;
+    args.insert(args.end(), {"generate", "../model.PAR", "--predictors", "../data", "-o", "run.OUT",
+                             "--start", "01/01/1961", "--days", "30", "--ensemble", "2"});
+    const auto generated = runVaroAsTyped(args);
+    EXPECT_EQ(generated.exitCode, 0) << generated.err;
+    EXPECT_TRUE(fileExists((home / "runs/run.OUT").string()));
 }

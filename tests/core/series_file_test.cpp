@@ -32,15 +32,32 @@ TEST(SeriesReader, BlanksLineEndsAndCommasSeparateNumbers) {
     EXPECT_TRUE(reader.atEnd());
 }
 
-TEST(SeriesReader, ReadingPastTheEndIsFailure62) {
+TEST(SeriesReader, ReadingPastTheEndIsFailure62AfterTheLastLineWithAValue) {
     TempDir dir;
     const auto path = dir.write("a.dat", "1\r\n2\r\n\r\n");
     SeriesReader reader(path);
     reader.readNumber();
     reader.readNumber();
-    EXPECT_EQ(failureNumber([&] { reader.readNumber(); }), 62);
+    try {
+        reader.readNumber();
+        FAIL() << "no failure";
+    } catch (const PastEndFailure& failure) {
+        EXPECT_EQ(failure.number(), 62);
+        EXPECT_EQ(failure.path(), path);
+        EXPECT_EQ(failure.lastLine(), 2);
+        EXPECT_EQ(failure.description(), "Reading past the end of '" + path + "' (after line 2).");
+    }
     SeriesReader empty(dir.write("empty.dat", ""));
     EXPECT_EQ(failureNumber([&] { empty.readNumber(); }), 62);
+    SeriesReader lines(dir.write("lines.dat", "a b\nc\n"));
+    lines.readLine();
+    lines.readLine();
+    try {
+        lines.readLine();
+        FAIL() << "no failure";
+    } catch (const PastEndFailure& failure) {
+        EXPECT_EQ(failure.lastLine(), 2);
+    }
 }
 
 TEST(SeriesReader, NonNumericTokenNamesFileLineAndToken) {
