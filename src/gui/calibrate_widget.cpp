@@ -107,10 +107,10 @@ QString CalibrateResultsDialog::coefficientsHtml(const std::vector<core::Results
     QString html;
     for (const core::ResultsTable& table : tables) {
         html += "<p style='margin-top: 12px'><b>" + qt(table.title).toHtmlEscaped() +
-                "</b></p><table cellspacing='0' cellpadding='4'><tr><th align='left'>" +
+                "</b></p><table cellspacing='0' cellpadding='4'><tr><th align='left' width='110'>" +
                 qt(table.rowHeading).toHtmlEscaped() + "</th>";
         for (const std::string& column : table.columns) {
-            html += "<th align='right'>" + qt(column).toHtmlEscaped() + "</th>";
+            html += "<th align='right' width='110'>" + qt(column).toHtmlEscaped() + "</th>";
         }
         html += "</tr>";
         for (const auto& row : table.rows) {

@@ -131,13 +131,26 @@ TEST(CliOptions, HelpNamesTheKindOfEveryValue) {
 TEST(CliOptions, FilesWrittenAreNamedOnStderrUnlessQuiet) {
     TempDir dir;
     const auto in = dir.write("in.dat", DataFile);
-    const auto out = dir.path("sq.dat");
-    const auto loud = runVaro(dir, {"transform", in, "-o", out, "--op", "square"});
-    ASSERT_EQ(loud.exitCode, 0) << loud.err;
-    EXPECT_EQ(loud.err, "Data file written: " + out + "\n");
-    const auto quiet = runVaro(dir, {"--quiet", "transform", in, "-o", out, "--op", "square"});
-    EXPECT_EQ(quiet.exitCode, 0);
-    EXPECT_EQ(quiet.err, "");
+    struct Case {
+        std::vector<std::string> args;
+        std::string written;
+    };
+    const Case cases[] = {
+        {{"transform", in, "-o", dir.path("sq.dat"), "--op", "square"},
+         "Data file written: " + dir.path("sq.dat") + "\n"},
+        {{"stats", in, "-o", dir.path("r.txt"), "--start", "01/01/1961", "--end", "05/01/1961"},
+         "Results file written: " + dir.path("r.txt") + "\n"},
+    };
+    for (const Case& c : cases) {
+        const auto loud = runVaro(dir, c.args);
+        ASSERT_EQ(loud.exitCode, 0) << loud.err;
+        EXPECT_EQ(loud.err, c.written);
+        auto args = c.args;
+        args.insert(args.begin(), "--quiet");
+        const auto quiet = runVaro(dir, args);
+        EXPECT_EQ(quiet.exitCode, 0);
+        EXPECT_EQ(quiet.err, "");
+    }
 }
 
 // A file that ends before the dates in force keeps the required lines of failure 62 and
