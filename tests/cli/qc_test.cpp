@@ -74,7 +74,7 @@ TEST(CliQc, SetOverridesUseTheSettingsChecks) {
 
 TEST(CliQc, LineFeedAndCarriageReturnFilesDrawNoLineBreakWarning) {
     TempDir dir;
-    for (const std::string& end : {"\r\n", "\n", "\r"}) {
+    for (const char* end : {"\r\n", "\n", "\r"}) {
         std::string content;
         for (int day = 0; day < 40; ++day) {
             content += std::to_string(day) + ".25" + end;
