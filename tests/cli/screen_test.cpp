@@ -9,9 +9,13 @@ namespace {
 const std::string Data = std::string(VARO_TEST_DATA) + "/screening/";
 
 std::vector<std::string> screenArgs(const std::string& analysis) {
-    return {
-        "screen", analysis,    Data + "predictand.dat", Data + "p1_mslp.dat", Data + "p2_p500.dat",
-        "--end",  "31/12/1963"};
+    return {"screen",
+            analysis,
+            Data + "predictand.dat",
+            Data + "p1_mslp.dat",
+            Data + "p2_p500.dat",
+            "--end",
+            "31/12/1963"};
 }
 } // namespace
 
