@@ -6,8 +6,8 @@
 // model on the wet days, with the amounts transformed by the setting ModelTransformation
 // and no lag term. Fits are by least squares or by the dual simplex (OptimisationChoice);
 // the setting ApplyStepwise chooses the predictors of an annual unconditional model by an
-// exhaustive search first (the lag term among the candidates). Nothing is written here: the caller
-// writes the parameter file from the results once the run has succeeded.
+// exhaustive search first (the lag term among the candidates). Nothing is written here:
+// the caller writes the parameter file from the results once the run has succeeded.
 //
 // A run ends early with a failure (`core::Failure`: files, singular matrices, fixed
 // limits), a message of its own (`core::RunStopped`: too few days in a group, the Box-Cox
