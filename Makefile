@@ -1,8 +1,9 @@
 # Thin wrapper over CMake presets. `make demo` and `make test` work on a fresh Debian machine.
 JOBS ?= $(shell nproc)
 DEMO_DIR ?= demo-output
+PREFIX ?= $(HOME)/.local
 
-.PHONY: deps build release test demo bench format clean
+.PHONY: deps build release test demo install bench format clean
 
 deps:
 	./scripts/install-deps.sh
@@ -25,6 +26,14 @@ demo: deps
 	cmake --preset release >/dev/null
 	cmake --build --preset release -j $(JOBS) --target varo varo-gui
 	./build/release/src/cli/varo demo $(DEMO_DIR)
+
+# Puts varo and varo-gui in $(PREFIX)/bin, with a desktop entry and an icon for varo-gui.
+install: deps
+	cmake --preset release -DCMAKE_INSTALL_PREFIX="$(PREFIX)" >/dev/null
+	cmake --build --preset release -j $(JOBS) --target varo varo-gui
+	cmake --install build/release --prefix "$(PREFIX)"
+	@case ":$$PATH:" in *":$(PREFIX)/bin:"*) ;; \
+	  *) echo "Note: $(PREFIX)/bin is not on your PATH; add it to run varo and varo-gui by name." ;; esac
 
 bench: release
 	./bench/run-all.sh build/release

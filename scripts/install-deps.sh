@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Installs the Debian packages that building, testing and the demo need.
 # Does nothing when everything is already present; uses sudo when not root.
+# `install-deps.sh --list` prints the packages, one a line, and installs nothing.
 set -euo pipefail
 
 packages=(
@@ -8,10 +9,17 @@ packages=(
   libgtest-dev libgmock-dev libbenchmark-dev
   libeigen3-dev libcli11-dev nlohmann-json3-dev
   qt6-base-dev qt6-charts-dev libqt6opengl6-dev qt6-svg-dev libgl1-mesa-dev
+  # The chart screens ask for "Arial"; Liberation Sans (fonts-liberation2) has the same
+  # metrics and stands in for it, so charts keep their layout without the original font.
   fonts-dejavu-core fonts-liberation2
   xvfb xauth hyperfine
   python3-numpy python3-scipy python3-statsmodels python3-pandas
 )
+
+if [ "${1:-}" = "--list" ]; then
+  printf '%s\n' "${packages[@]}"
+  exit 0
+fi
 
 missing=()
 for p in "${packages[@]}"; do

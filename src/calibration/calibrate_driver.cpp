@@ -26,7 +26,9 @@ public:
 
     CalibrationResults run() {
         checkParameterColumns();
-        const DayCube cube = readDayCube(state_, request_.data, environment_.progress);
+        const DayCube cube = core::readingByDates(
+            core::settingsDatesInUse(state_, request_.data.fitStart, request_.data.fitEnd),
+            [&] { return readDayCube(state_, request_.data, environment_.progress); });
         for (int group = 1; group <= cube.groups(); ++group) {
             if (cube.count(group) < MinimumGroupDays) {
                 throw core::RunStopped(InsufficientDataText);
@@ -112,15 +114,33 @@ private:
         }
     }
 
+    // The lag column, when there is one, is the last candidate: the model keeps the lag
+    // term only if the search chose it.
     void chooseStepwise(MatrixObject& x, const MatrixObject& y) {
-        const std::vector<int> chosen =
+        const StepwiseSelection selection =
             selectPredictors(x, y, method_, state_.aicWanted, environment_);
-        x = subsetColumns(x, chosen);
+        x = subsetColumns(x, selection.positions);
+        StepwiseChoice choice;
+        choice.aic = state_.aicWanted;
+        choice.criterion = selection.criterion;
+        choice.subsetsTried = selection.subsetsTried;
+        choice.candidates = fileList_;
+        if (request_.autoregression) {
+            choice.candidates.emplace_back(AutoregressionName);
+        }
         std::vector<std::string> names;
-        for (int position : chosen) {
-            names.push_back(fileList_[static_cast<size_t>(position - 1)]);
+        modelHasLag_ = false;
+        for (int position : selection.positions) {
+            const auto index = static_cast<size_t>(position - 1);
+            if (index < fileList_.size()) {
+                names.push_back(fileList_[index]);
+            } else {
+                modelHasLag_ = true;
+            }
+            choice.chosen.push_back(choice.candidates[index]);
         }
         fileList_ = std::move(names);
+        results_.stepwise = std::move(choice);
     }
 
     void fitAmounts(MatrixObject x, MatrixObject y, int group, const std::vector<int>& months) {
@@ -183,10 +203,11 @@ private:
         file.fitDays = request_.data.fitDays;
         file.conditional = request_.conditional;
         file.transformation = state_.modelTransformation;
-        file.autoregression = request_.autoregression;
+        file.autoregression = modelHasLag_;
         file.predictandName = request_.predictandName;
         file.predictorNames = fileList_;
-        file.predictandPath = request_.data.predictandPath;
+        // The weather generator finds the predictand by this path, from whatever folder.
+        file.predictandPath = core::absolutePath(request_.data.predictandPath);
     }
 
     const core::ProgramState& state_;
@@ -197,6 +218,7 @@ private:
     int code_;
     double missing_;
     std::vector<std::string> fileList_;
+    bool modelHasLag_ = request_.autoregression;
     std::optional<CrossValidation> crossValidation_;
     CalibrationResults results_;
 };

@@ -6,8 +6,8 @@
 // model on the wet days, with the amounts transformed by the setting ModelTransformation
 // and no lag term. Fits are by least squares or by the dual simplex (OptimisationChoice);
 // the setting ApplyStepwise chooses the predictors of an annual unconditional model by an
-// exhaustive search first. Nothing is written here: the caller writes the parameter file
-// from the results once the run has succeeded.
+// exhaustive search first (the lag term among the candidates). Nothing is written here:
+// the caller writes the parameter file from the results once the run has succeeded.
 //
 // A run ends early with a failure (`core::Failure`: files, singular matrices, fixed
 // limits), a message of its own (`core::RunStopped`: too few days in a group, the Box-Cox
@@ -59,18 +59,32 @@ struct MonthStatistics {
     int predictors = 0; // likewise: the lag term counts
 };
 
+// What a stepwise search chose.
+struct StepwiseChoice {
+    std::vector<std::string> candidates; // predictor names, then the lag term when asked for
+    std::vector<std::string> chosen;     // in model order
+    bool aic = true;                     // the criterion: AIC, else BIC
+    double criterion = 0.0;              // of the chosen subset
+    int subsetsTried = 0;
+};
+
+// How reports name the lag term.
+inline constexpr const char* AutoregressionName = "Autoregression";
+
 struct CalibrationResults {
-    ParameterFile parameters;
+    ParameterFile parameters; // autoregression: whether the model holds the lag term
     // Rows 0 to 11 the months of the main model, 12 to 23 those of the amount model.
     std::array<MonthStatistics, 24> statistics{};
     std::vector<ResidualPair> residualPairs; // of the amount fits in a conditional model
     bool dependencyWarned = false;
     std::optional<CrossValidationTable> crossValidation; // when it was asked for
+    std::optional<StepwiseChoice> stepwise;              // when the search ran
 };
 
 // Runs a calibration. `meanRatio` holds the mean ratio of each month (January first): the
 // inverse normal transformation sets the months it fits, and every other run leaves them
-// as they were. Stepwise selection with the lag term is refused by the caller.
+// as they were. With stepwise selection and the lag term, the lag is one of the candidates
+// and the parameter file holds it only when the search kept it.
 CalibrationResults calibrate(const core::ProgramState& state, const CalibrationRequest& request,
                              std::array<double, 12>& meanRatio, core::Progress& progress,
                              core::Notifier& notifier);

@@ -3,6 +3,7 @@
 #include "core/number_format.hpp"
 
 #include <algorithm>
+#include <functional>
 
 namespace varo::calibration {
 
@@ -172,6 +173,88 @@ CalibrationReport buildReport(const core::ProgramState& state, const Calibration
         }
     }
     return report;
+}
+
+namespace {
+
+ModelType modelTypeOf(const ParameterFile& file) {
+    if (file.groups == 12) {
+        return ModelType::Monthly;
+    }
+    return file.groups == 4 ? ModelType::Seasonal : ModelType::Annual;
+}
+
+std::string joined(const std::vector<std::string>& names) {
+    std::string text;
+    for (const std::string& name : names) {
+        text += (text.empty() ? "" : ", ") + name;
+    }
+    return text;
+}
+
+// A table with one row a group, filled from the group's first month.
+core::ResultsTable groupTable(const core::ProgramState& state, const ParameterFile& file,
+                              std::string title, std::vector<std::string> columns,
+                              const std::function<std::vector<double>(size_t)>& monthValues) {
+    const ModelType type = modelTypeOf(file);
+    core::ResultsTable table;
+    table.title = std::move(title);
+    table.rowHeading = type == ModelType::Monthly    ? "Month"
+                       : type == ModelType::Seasonal ? "Season"
+                                                     : "Period";
+    table.columns = std::move(columns);
+    for (int group = 1; group <= groupCount(type); ++group) {
+        const auto month = static_cast<size_t>(monthsOfGroup(type, group).front() - 1);
+        table.addRow(groupName(state, type, group), monthValues(month), state.globalMissingCode);
+    }
+    return table;
+}
+
+} // namespace
+
+std::vector<core::ResultsTable> coefficientTables(const core::ProgramState& state,
+                                                  const CalibrationResults& results) {
+    const ParameterFile& file = results.parameters;
+    std::vector<std::string> columns{"Constant"};
+    columns.insert(columns.end(), file.predictorNames.begin(), file.predictorNames.end());
+    std::vector<std::string> mainColumns = columns;
+    if (file.autoregression) {
+        mainColumns.emplace_back(AutoregressionName);
+    }
+    std::vector<core::ResultsTable> tables;
+    tables.push_back(groupTable(
+        state, file, file.conditional ? "Occurrence Model Coefficients" : "Model Coefficients",
+        mainColumns, [&](size_t m) { return file.months[m].coefficients; }));
+    if (!file.conditional) {
+        return tables;
+    }
+    const bool inverseNormal =
+        file.transformation == static_cast<float>(core::TransformInverseNormal);
+    if (inverseNormal) {
+        columns.emplace_back("Mean Ratio");
+    } else if (file.boxCox()) {
+        columns.insert(columns.end(), {"Lamda", "Shift"});
+    }
+    tables.push_back(groupTable(state, file, "Amount Model Coefficients", columns, [&](size_t m) {
+        const AmountParameters& amount = file.amounts[m];
+        std::vector<double> values{amount.constant};
+        values.insert(values.end(), amount.coefficients.begin(), amount.coefficients.end());
+        if (inverseNormal) {
+            values.push_back(amount.meanRatio);
+        } else if (file.boxCox()) {
+            values.insert(values.end(), {file.months[m].lamda, file.months[m].shift});
+        }
+        return values;
+    }));
+    return tables;
+}
+
+std::vector<std::string> stepwiseLines(const StepwiseChoice& choice) {
+    static const core::NumberFormat format("0.000");
+    return {"Stepwise selection (" + std::string(choice.aic ? "AIC" : "BIC") + ") tried " +
+                std::to_string(choice.subsetsTried) + " subsets of " + joined(choice.candidates),
+            "Chosen: " + joined(choice.chosen) + " (criterion " + format.format(choice.criterion) +
+                ")"};
 }
 
 ResidualHistogram residualHistogram(const std::vector<ResidualPair>& pairs, int bars) {

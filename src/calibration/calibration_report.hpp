@@ -10,10 +10,15 @@
 // Chow value above its critical value (by the days and predictors of its fit) is marked.
 // Cross-validation results, when there are any, add columns under "Cross Validation
 // Results".
+//
+// After the report come the fitted coefficients as results tables, one row a month, season
+// or the year, with the numbers as the parameter file holds them, and what a stepwise
+// search chose.
 #pragma once
 
 #include "calibration/calibrate_driver.hpp"
 #include "core/program_state.hpp"
+#include "core/results_table.hpp"
 
 #include <array>
 #include <optional>
@@ -70,6 +75,17 @@ struct ResidualHistogram {
 };
 
 ResidualHistogram residualHistogram(const std::vector<ResidualPair>& pairs, int bars);
+
+// The fitted coefficients by the model's groups (months, seasons or the year): columns
+// "Constant", the predictors by name and "Autoregression" for the lag term. A conditional
+// model has a second table of its amount model, with the transformation's own parameters
+// (mean ratio, or lamda and shift) when it has them.
+std::vector<core::ResultsTable> coefficientTables(const core::ProgramState& state,
+                                                  const CalibrationResults& results);
+
+// Two lines on a stepwise search: the criterion, how many subsets of which candidates it
+// tried, and what it kept.
+std::vector<std::string> stepwiseLines(const StepwiseChoice& choice);
 
 inline constexpr const char* AboveCriticalNote = "* Chow statistic above its critical value.";
 

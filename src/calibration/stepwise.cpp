@@ -67,9 +67,17 @@ MatrixObject subsetColumns(const MatrixObject& x, const std::vector<int>& chosen
     return cut;
 }
 
-std::vector<int> selectPredictors(const MatrixObject& x, const MatrixObject& y, FitMethod method,
-                                  bool aicWanted, FitEnvironment& environment) {
+StepwiseSelection selectPredictors(const MatrixObject& x, const MatrixObject& y, FitMethod method,
+                                   bool aicWanted, FitEnvironment& environment) {
     const auto subsets = makeSubsets(x.columns() - 1);
+    if (subsets.size() > static_cast<size_t>(MaxStepwiseSubsets)) {
+        throw core::Failure(core::failure::FileTooLarge,
+                            "The stepwise search keeps the criteria of at most " +
+                                std::to_string(MaxStepwiseSubsets) + " subsets; " +
+                                std::to_string(x.columns() - 1) + " candidates make " +
+                                std::to_string(subsets.size()) +
+                                ". Select fewer predictors (at most 7 with the lag term).");
+    }
     const int n = y.rows();
     const double sumY = y.columnSum(0);
     const double correction = sumY * sumY / n;
@@ -97,7 +105,7 @@ std::vector<int> selectPredictors(const MatrixObject& x, const MatrixObject& y, 
     if (chosen == nullptr) {
         throw core::RunStopped(NoOptimumText);
     }
-    return *chosen;
+    return {*chosen, best, static_cast<int>(subsets.size())};
 }
 
 } // namespace varo::calibration

@@ -1,7 +1,8 @@
 // varo calibrate PREDICTAND PREDICTOR... -o MODEL.PAR [options]: the calibration screen's
 // run. The model type, process, fit period, lag term and Chow test come from the options;
 // the transformation, optimisation, stepwise and criterion settings from the settings file
-// or --set. The report goes to stdout, as JSON with --json.
+// or --set. The report and the fitted coefficients go to stdout, as JSON with --json; the
+// parameter file written is named on stderr.
 #include "cli/commands.hpp"
 
 #include "calibration/calibration_report.hpp"
@@ -87,7 +88,7 @@ nlohmann::ordered_json jsonReport(const core::ProgramState& state, const Screen&
     document["predictors"] = results.parameters.predictorNames;
     document["model"] = options.model;
     document["process"] = options.process;
-    document["autoregression"] = screen.autoRegressionCheck;
+    document["autoregression"] = results.parameters.autoregression;
     document["fitStart"] = screen.fsDate.text;
     document["fitEnd"] = screen.feDate.text;
     document["months"] = monthRows(state, results, 0, conditional ? "propCorrect" : "durbinWatson",
@@ -112,6 +113,19 @@ nlohmann::ordered_json jsonReport(const core::ProgramState& state, const Screen&
                 state, table, {{"rSquared", 3}, {"standardError", 2}, {"spearman", 1}});
         }
     }
+    nlohmann::ordered_json coefficients = nlohmann::ordered_json::array();
+    for (const core::ResultsTable& table : screen.coefficients) {
+        coefficients.push_back(tableJson(table));
+    }
+    document["coefficients"] = coefficients;
+    if (results.stepwise) {
+        const calibration::StepwiseChoice& choice = *results.stepwise;
+        document["stepwise"] = {{"criterion", choice.aic ? "AIC" : "BIC"},
+                                {"candidates", choice.candidates},
+                                {"chosen", choice.chosen},
+                                {"criterionValue", choice.criterion},
+                                {"subsetsTried", choice.subsetsTried}};
+    }
     document["warnings"] = warnings;
     return document;
 }
@@ -122,6 +136,23 @@ void printReport(CliContext& context, const std::string& text) {
         const size_t end = text.find('\n', start);
         context.printLine(text.substr(start, end - start));
         start = end + 1;
+    }
+}
+
+// The fitted coefficients and the stepwise choice, after the report (not with --quiet).
+void printCoefficients(CliContext& context, const Screen& screen) {
+    if (context.options.quiet) {
+        return;
+    }
+    for (const core::ResultsTable& table : screen.coefficients) {
+        context.printLine("");
+        context.printTable(table);
+    }
+    if (!screen.stepwiseLines.empty()) {
+        context.printLine("");
+    }
+    for (const std::string& line : screen.stepwiseLines) {
+        context.printLine(line);
     }
 }
 
@@ -156,11 +187,13 @@ int runCalibrate(CliContext& context, CalibrateOptions& options) {
         context.err << "Calibration stopped: " << screen.silentStopReason << '\n';
     }
     if (outcome == screens::RunOutcome::Done) {
+        context.reportWritten("Parameter file", screen.parFileText);
         if (context.options.json) {
             context.printJson(
                 jsonReport(context.state, screen, options, context.dialogs().warnings()));
         } else {
             printReport(context, screen.reportText());
+            printCoefficients(context, screen);
         }
     }
     return exitCodeFor(outcome);

@@ -227,16 +227,19 @@ void addScreenCommand(CLI::App& app, CliContext& context, CommandResult& result)
         ->type_name(kind::File);
     command
         ->add_option("--start", options->fitStart,
-                     "First day of the analysis (default: record start)")
+                     "First day of the analysis (default: the settings' start date)")
         ->type_name(kind::Date);
-    command->add_option("--end", options->fitEnd, "Last day of the analysis (default: record end)")
+    command
+        ->add_option("--end", options->fitEnd,
+                     "Last day of the analysis (default: the settings' end date)")
         ->type_name(kind::Date);
     addHiddenAlias(command, "--fit-start", options->fitStart);
     addHiddenAlias(command, "--fit-end", options->fitEnd);
     oneOf(command->add_option("--period", options->period,
                               "Period of the year (correlation and scatter)"),
           periodNames());
-    oneOf(command->add_option("--process", options->process, "conditional or unconditional"),
+    oneOf(command->add_option("--process", options->process,
+                              "unconditional (default) or conditional"),
           {"conditional", "unconditional"});
     command->add_flag("--autoregression", options->autoregression,
                       "Add the predictand's previous day as a predictor");

@@ -273,6 +273,9 @@ int runStats(CliContext& context, const StatsOptions& options) {
                         std::any_of(options.periods.begin(), options.periods.end(),
                                     [](const auto& period) { return period.has_value(); });
     const auto outcome = screen.run(context.dialogs(), context.progress());
+    if (outcome == screens::RunOutcome::Done) {
+        context.reportWritten("Results file", options.output);
+    }
     if (outcome == screens::RunOutcome::Done && context.options.json) {
         context.printJson(jsonReport(screen, context.state.globalMissingCode));
     } else if (outcome == screens::RunOutcome::Done) {
@@ -301,9 +304,13 @@ void addStatsCommand(CLI::App& app, CliContext& context, CommandResult& result) 
     auto* mean = stats->add_flag("--ensemble-mean", options->ensembleMean,
                                  "Mean and standard deviation over all members");
     member->excludes(mean);
-    stats->add_option("--start", options->start, "First day of the analysis (default GlobalSDate)")
+    stats
+        ->add_option("--start", options->start,
+                     "First day of the analysis (default: the settings' start date)")
         ->type_name(kind::Date);
-    stats->add_option("--end", options->end, "Last day of the analysis (default GlobalEDate)")
+    stats
+        ->add_option("--end", options->end,
+                     "Last day of the analysis (default: the settings' end date)")
         ->type_name(kind::Date);
     stats
         ->add_option("--stats", options->stats,

@@ -52,3 +52,31 @@ std::string reportFailureText(int number, std::string_view description) {
 }
 
 } // namespace varo::core
+
+namespace varo::core {
+
+PastEndFailure::PastEndFailure(std::string path, long lastLine)
+    : Failure(failure::InputPastEnd, "Reading past the end of '" + path + "' (after line " +
+                                         std::to_string(lastLine) + ")."),
+      path_(std::move(path)), lastLine_(lastLine) {}
+
+Failure withDatesHint(const PastEndFailure& failure, const DatesInUse& dates) {
+    std::string hint = "'" + failure.path() + "' ";
+    hint += failure.lastLine() > 0 ? "ends after line " + std::to_string(failure.lastLine())
+                                   : std::string("holds no value");
+    hint += ", before the dates in use: record from " + dates.recordStart;
+    if (!dates.recordEnd.empty()) {
+        hint += " to " + dates.recordEnd;
+    }
+    if (!dates.periodStart.empty()) {
+        hint += ", " + dates.periodName + " " + dates.periodStart;
+        if (!dates.periodEnd.empty()) {
+            hint += " to " + dates.periodEnd;
+        }
+    }
+    hint += ", year length " + std::to_string(dates.yearLength) +
+            ". Change the dates to match the file, or choose a file that covers them.";
+    return Failure(failure.number(), hint);
+}
+
+} // namespace varo::core

@@ -45,6 +45,47 @@ private:
     std::string description_;
 };
 
+// Failure 62 of a data file: reading went past its end. Keeps where the file ended, so
+// that a run reading by dates can say which dates asked for more (`withDatesHint`).
+class PastEndFailure : public Failure {
+public:
+    // `lastLine`: the last line that held a value, 0 for a file without one.
+    PastEndFailure(std::string path, long lastLine);
+
+    const std::string& path() const noexcept { return path_; }
+    long lastLine() const noexcept { return lastLine_; }
+
+private:
+    std::string path_;
+    long lastLine_;
+};
+
+// The dates a run reads its files by, as text: the record (GlobalSDate, GlobalEDate or a
+// model's record), the period read when there is one, and the year length.
+struct DatesInUse {
+    std::string recordStart;
+    std::string recordEnd; // empty when the run does not use one
+    std::string periodStart;
+    std::string periodEnd; // empty when the run has none
+    std::string periodName = "fit";
+    int yearLength = 366;
+};
+
+// The failure with its description replaced by a line naming the file, the line it ended
+// at and the dates in use, so that the person sees which date to change. The number, and
+// so the required lines of the box, stay.
+Failure withDatesHint(const PastEndFailure& failure, const DatesInUse& dates);
+
+// Runs `read` and turns a data file's end reached too early into `withDatesHint`.
+template <typename Read>
+decltype(auto) readingByDates(const DatesInUse& dates, Read&& read) {
+    try {
+        return read();
+    } catch (const PastEndFailure& failure) {
+        throw withDatesHint(failure, dates);
+    }
+}
+
 // Thrown by a long loop that saw a confirmed stop request.
 class Cancelled : public std::exception {
 public:

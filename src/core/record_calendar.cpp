@@ -43,6 +43,12 @@ CalendarRule calendarInForce(const ProgramState& state) {
     return {state.yearLengthRow, state.leapExtraDays};
 }
 
+DatesInUse settingsDatesInUse(const ProgramState& state, const Date& periodStart,
+                              const Date& periodEnd, std::string periodName) {
+    return {state.globalSDate,     state.globalEDate,     formatDate(periodStart),
+            formatDate(periodEnd), std::move(periodName), state.yearIndicator};
+}
+
 bool monthPassesPeriod(int month, int periodEntry) {
     if (periodEntry == 0) {
         return true;

@@ -8,9 +8,11 @@
 #pragma once
 
 #include "core/dates.hpp"
+#include "core/failure.hpp"
 
 #include <cstdint>
 #include <functional>
+#include <string>
 
 namespace varo::core {
 
@@ -42,6 +44,11 @@ CalendarRule calendarForYearLength(int yearIndicator);
 CalendarRule calendarInForce(const ProgramState& state);
 // Gregorian months with leap days, whatever the settings say.
 inline constexpr CalendarRule RealCalendar{1, 1};
+
+// The dates a run that reads the record of the settings from `periodStart` to `periodEnd`
+// uses, for the hint after a file that ends too early.
+DatesInUse settingsDatesInUse(const ProgramState& state, const Date& periodStart,
+                              const Date& periodEnd, std::string periodName = "fit");
 
 // Period filter entries: 0 Annual, 1 to 4 the seasons, 5 to 16 January to December.
 bool monthPassesPeriod(int month, int periodEntry);

@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <charconv>
 #include <cstring>
+#include <filesystem>
 #include <sys/stat.h>
 
 namespace varo::core {
@@ -186,8 +187,7 @@ void SeriesReader::consumeLineEnd() {
 }
 
 void SeriesReader::failPastEnd() const {
-    throw Failure(failure::InputPastEnd, "Reading past the end of '" + path_ + "' (after line " +
-                                             std::to_string(line_) + ").");
+    throw PastEndFailure(path_, lastValueLine_);
 }
 
 double SeriesReader::readNumber() {
@@ -219,6 +219,7 @@ double SeriesReader::readNumber() {
                                                  "' is not a number.");
     }
     pos_ = tokenEnd;
+    lastValueLine_ = line_;
     consumeLineEnd();
     return value;
 }
@@ -228,6 +229,7 @@ std::string SeriesReader::readLine() {
         failPastEnd();
     }
     std::string text;
+    lastValueLine_ = line_;
     for (;;) {
         size_t i = pos_;
         while (i < end_ && buffer_[i] != '\r' && buffer_[i] != '\n') {
@@ -361,6 +363,23 @@ void writeTextFile(const std::string& path, std::string_view text) {
     }
 }
 
+std::optional<std::string> readFirstLine(const std::string& path, size_t maxLength) {
+    std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "rb"),
+                                                         &std::fclose);
+    if (!file) {
+        return std::nullopt;
+    }
+    std::string line;
+    for (int c = std::fgetc(file.get()); c != EOF && c != '\r' && c != '\n';
+         c = std::fgetc(file.get())) {
+        if (line.size() == maxLength) {
+            break;
+        }
+        line += static_cast<char>(c);
+    }
+    return line;
+}
+
 std::string bareFileName(std::string_view path) {
     const size_t slash = path.find_last_of("/\\");
     return std::string(slash == std::string_view::npos ? path : path.substr(slash + 1));
@@ -369,6 +388,16 @@ std::string bareFileName(std::string_view path) {
 std::string folderOf(std::string_view path) {
     const size_t slash = path.find_last_of("/\\");
     return slash == std::string_view::npos ? std::string() : std::string(path.substr(0, slash));
+}
+
+std::string absolutePath(std::string_view path) {
+    if (path.empty()) {
+        return {};
+    }
+    std::error_code error;
+    const std::filesystem::path absolute = std::filesystem::absolute(path, error);
+    // Without a working folder the path can only stay as it was given.
+    return error ? std::string(path) : absolute.lexically_normal().string();
 }
 
 } // namespace varo::core

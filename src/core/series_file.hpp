@@ -13,6 +13,7 @@
 
 #include <cstdio>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -54,6 +55,7 @@ private:
     size_t end_ = 0;
     bool eof_ = false;
     long line_ = 1;
+    long lastValueLine_ = 0; // the line of the last number or line read
     bool previousCR_ = false;
 };
 
@@ -94,10 +96,19 @@ private:
 // Writes a whole text file at once. A write that fails removes what it had written, so
 // that no half-written file is left looking complete; failures are core::Failure.
 void writeTextFile(const std::string& path, std::string_view text);
+// The first line of a file as text: everything before the first line end, whichever of
+// CR LF, LF or CR it is, cut to `maxLength` characters so that a file without line ends is
+// never read whole. Empty when the file cannot be opened (the reading that follows reports
+// why).
+std::optional<std::string> readFirstLine(const std::string& path, size_t maxLength = 4096);
 
 // The bare name of a path: what follows the last '/' (or '\').
 std::string bareFileName(std::string_view path);
 // The folder of a path, without a trailing separator; empty for a bare name.
 std::string folderOf(std::string_view path);
+// The path made absolute against the working folder and tidied ("a/./b/../c" to "a/c"), so
+// that a path kept in a file still names the same file from another folder. Empty stays
+// empty.
+std::string absolutePath(std::string_view path);
 
 } // namespace varo::core

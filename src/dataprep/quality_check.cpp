@@ -5,25 +5,13 @@
 #include "core/series_file.hpp"
 
 #include <cmath>
-#include <cstdio>
-#include <memory>
 
 namespace varo::dataprep {
 
 bool firstLineTooLong(const std::string& path) {
-    std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "rb"),
-                                                         &std::fclose);
-    if (!file) {
-        // The stream read that follows reports the failure in its own words.
-        return false;
-    }
-    size_t length = 0;
-    for (int c = std::fgetc(file.get()); c != EOF && c != '\r'; c = std::fgetc(file.get())) {
-        if (++length > LongestPlainFirstLine) {
-            return true;
-        }
-    }
-    return false;
+    // A file that cannot be opened gives no warning: the reading that follows reports it.
+    const auto line = core::readFirstLine(path, LongestPlainFirstLine + 1);
+    return line && line->size() > LongestPlainFirstLine;
 }
 
 QualityResults checkQuality(const std::string& path, double missingCode, float threshold,

@@ -11,8 +11,9 @@ namespace varo::dataprep {
 
 inline constexpr size_t LongestPlainFirstLine = 15;
 
-// True when the file's first line (up to its first carriage return) is longer than 15
-// characters: the file may hold several columns or line feeds without carriage returns.
+// True when the file's first line is longer than 15 characters: the file may hold several
+// columns, or line ends that none of CR LF, LF and CR begins (so that the whole file reads
+// as one line).
 bool firstLineTooLong(const std::string& path);
 
 struct QualityResults {

@@ -37,9 +37,9 @@ QString withWindowsLineEnds(const std::string& text) {
 // The results window
 
 CalibrateResultsDialog::CalibrateResultsDialog(ScreenContext& context,
-                                               const calibration::CalibrationReport& report,
+                                               const screens::CalibrateScreen& record,
                                                QWidget* parent)
-    : QDialog(parent), context_(context), text_(calibration::reportText(report)) {
+    : QDialog(parent), context_(context), text_(record.resultsText()) {
     setObjectName("CalibResultsFrm");
     setWindowTitle("Calibration Results");
     setAttribute(Qt::WA_DeleteOnClose);
@@ -56,7 +56,10 @@ CalibrateResultsDialog::CalibrateResultsDialog(ScreenContext& context,
     page_ = new QTextEdit(this);
     page_->setObjectName("ResultsPage");
     page_->setReadOnly(true);
-    page_->setHtml(reportHtml(report));
+    page_->setHtml(
+        reportHtml(*record.report)
+            .replace("</body></html>", coefficientsHtml(record.coefficients, record.stepwiseLines) +
+                                           "</body></html>"));
     layout->addWidget(page_, 1);
     resize(760, 720);
     connect(printKey, &QPushButton::clicked, this, [this] { print(); });
@@ -97,6 +100,36 @@ QString CalibrateResultsDialog::reportHtml(const calibration::CalibrationReport&
                 "above their critical value.</p>";
     }
     return html + "</body></html>";
+}
+
+QString CalibrateResultsDialog::coefficientsHtml(const std::vector<core::ResultsTable>& tables,
+                                                 const std::vector<std::string>& stepwiseLines) {
+    QString html;
+    for (const core::ResultsTable& table : tables) {
+        html += "<p style='margin-top: 12px'><b>" + qt(table.title).toHtmlEscaped() +
+                "</b></p><table cellspacing='0' cellpadding='4'><tr><th align='left' width='110'>" +
+                qt(table.rowHeading).toHtmlEscaped() + "</th>";
+        for (const std::string& column : table.columns) {
+            html += "<th align='right' width='110'>" + qt(column).toHtmlEscaped() + "</th>";
+        }
+        html += "</tr>";
+        for (const auto& row : table.rows) {
+            html += "<tr><td>" + qt(row.label).toHtmlEscaped() + "</td>";
+            for (const auto& cell : row.cells) {
+                html += "<td align='right'>" + qt(table.cellText(cell)).toHtmlEscaped() + "</td>";
+            }
+            html += "</tr>";
+        }
+        html += "</table>";
+    }
+    if (!stepwiseLines.empty()) {
+        html += "<p style='margin-top: 12px'>";
+        for (const std::string& line : stepwiseLines) {
+            html += "<div>" + qt(line).toHtmlEscaped() + "</div>";
+        }
+        html += "</p>";
+    }
+    return html;
 }
 
 void CalibrateResultsDialog::print() {
@@ -247,10 +280,18 @@ QWidget* CalibrateWidget::buildModel() {
     auto* graphRow = new QHBoxLayout();
     graphType_ = options("GraphType", {"None", "Scatter plot", "Histogram"}, box, graphRow);
     form->addRow("Residual plot:", graphRow);
-    form->addRow("Histogram bars:",
-                 narrow(bindField("HistogramCatsText", record_.histogramCatsText, [this, &dialogs] {
-                     return record_.checkHistogramCategories(dialogs);
-                 })));
+    auto* histogramBars =
+        narrow(bindField("HistogramCatsText", record_.histogramCatsText,
+                         [this, &dialogs] { return record_.checkHistogramCategories(dialogs); }));
+    form->addRow("Histogram bars:", histogramBars);
+    // No residual chart is drawn yet, so the choice is shown but cannot be made.
+    const QString notYet = "Residual charts come in a later version; for now no plot is drawn.";
+    for (QAbstractButton* option : graphType_->buttons()) {
+        option->setEnabled(false);
+        option->setToolTip(notYet);
+    }
+    histogramBars->setEnabled(false);
+    histogramBars->setToolTip(notYet);
 
     connect(modelType_, &QButtonGroup::idClicked, this, [this](int id) { record_.modelType = id; });
     connect(process_, &QButtonGroup::idClicked, this, [this](int id) { record_.parmOpt = id; });
@@ -303,7 +344,7 @@ void CalibrateWidget::calibrate() {
         if (results_ != nullptr) {
             results_->close();
         }
-        results_ = new CalibrateResultsDialog(context_, *record_.report, window());
+        results_ = new CalibrateResultsDialog(context_, record_, window());
         connect(results_, &QObject::destroyed, this, [this] { results_ = nullptr; });
         results_->show();
     }

@@ -1,7 +1,9 @@
 // The calibration screen of the desktop program, over `screens::CalibrateScreen`: the
 // predictand, the predictor list of a folder, the fit period, model type, process, lag term,
 // Chow test, cross-validation and plot choices and the parameter file; after a run the
-// report opens in its own window, from which it can be printed or saved as text.
+// report, the fitted coefficients and a stepwise search's choice open in their own window,
+// from which they can be printed or saved as text. The residual plot choice is shown but
+// not yet in force: no chart is drawn.
 #pragma once
 
 #include "gui/screen_widget.hpp"
@@ -17,15 +19,19 @@ class QTextEdit;
 
 namespace varo::gui {
 
-// CalibResultsFrm: the report of the last calibration as a page of tables.
+// CalibResultsFrm: the report of the last calibration as a page of tables, followed by the
+// fitted coefficients.
 class CalibrateResultsDialog : public QDialog {
     Q_OBJECT
 public:
-    CalibrateResultsDialog(ScreenContext& context, const calibration::CalibrationReport& report,
+    CalibrateResultsDialog(ScreenContext& context, const screens::CalibrateScreen& record,
                            QWidget* parent);
 
     // The page as HTML, a Chow value above its critical value in bold red.
     static QString reportHtml(const calibration::CalibrationReport& report);
+    // The coefficient tables and the stepwise lines as HTML.
+    static QString coefficientsHtml(const std::vector<core::ResultsTable>& tables,
+                                    const std::vector<std::string>& stepwiseLines);
 
 private:
     void print();
@@ -62,7 +68,7 @@ private:
     QLabel* noOfDays_ = nullptr;
     QButtonGroup* modelType_ = nullptr;
     QButtonGroup* process_ = nullptr;
-    QButtonGroup* graphType_ = nullptr;
+    QButtonGroup* graphType_ = nullptr; // shown disabled until charts are drawn
     QCheckBox* autoregression_ = nullptr;
     QCheckBox* chow_ = nullptr;
     QCheckBox* crossValidation_ = nullptr;

@@ -24,7 +24,8 @@ void failTooManyRows() {
 
 } // namespace
 
-ScreeningFiles::ScreeningFiles(const ScreeningRequest& request) {
+ScreeningFiles::ScreeningFiles(const ScreeningRequest& request)
+    : fitStart_(request.fitStart), fitEnd_(request.fitEnd) {
     const size_t series = request.predictorPaths.size() + (request.autoregression ? 2 : 1);
     if (series > static_cast<size_t>(MaxSeries)) {
         throw core::Failure(core::failure::FileTooLarge,
@@ -42,19 +43,24 @@ ScreeningFiles::ScreeningFiles(const ScreeningRequest& request) {
 
 void ScreeningFiles::readDay(std::vector<double>& values) {
     values.resize(readers_.size());
-    for (size_t i = 0; i < readers_.size(); ++i) {
-        values[i] = readers_[i].readNumber();
-    }
+    core::readingByDates(dates_, [&] {
+        for (size_t i = 0; i < readers_.size(); ++i) {
+            values[i] = readers_[i].readNumber();
+        }
+    });
 }
 
 void ScreeningFiles::discardDay() {
-    for (core::SeriesReader& reader : readers_) {
-        reader.readNumber();
-    }
+    core::readingByDates(dates_, [&] {
+        for (core::SeriesReader& reader : readers_) {
+            reader.readNumber();
+        }
+    });
 }
 
 void ScreeningFiles::skipToFitStart(core::RecordCalendar& position, const core::ProgramState& state,
                                     const core::Date& fitStart, core::Progress& progress) {
+    dates_ = core::settingsDatesInUse(state, fitStart_, fitEnd_);
     core::skipToFitStart(
         position, recordStart(state), fitStart, [this] { discardDay(); }, progress);
 }

@@ -42,7 +42,8 @@ public:
     explicit ScreeningFiles(const ScreeningRequest& request);
 
     size_t count() const { return readers_.size(); }
-    // One value from each file, in series order.
+    // One value from each file, in series order. A file that ends too early fails with 62
+    // and a description that names the dates in use.
     void readDay(std::vector<double>& values);
     void discardDay();
     // Reads from the record's start (GlobalSDate) up to the fit start, under the caption
@@ -52,6 +53,9 @@ public:
 
 private:
     std::vector<core::SeriesReader> readers_;
+    core::Date fitStart_;
+    core::Date fitEnd_;
+    core::DatesInUse dates_;
 };
 
 struct ScreeningData {

@@ -64,6 +64,8 @@ void CalibrateScreen::reset() {
     parFileText = NoParFile;
     results.reset();
     report.reset();
+    coefficients.clear();
+    stepwiseLines.clear();
     silentStopReason.clear();
 }
 
@@ -217,11 +219,6 @@ bool CalibrateScreen::checkInputs(Dialogs& dialogs) {
         !checkFolds(dialogs) || !checkHistogramCategories(dialogs)) {
         return false;
     }
-    if (stepwise && autoRegressionCheck) {
-        // The search would weigh the lag term as one of the named predictors, and the
-        // parameter file has no way to say which were kept.
-        return refuse("You cannot include autoregression with the stepwise approach.");
-    }
     return true;
 }
 
@@ -248,6 +245,8 @@ calibration::CalibrationRequest CalibrateScreen::request() const {
 RunOutcome CalibrateScreen::calibrate(Dialogs& dialogs, core::Progress& progress) {
     results.reset();
     report.reset();
+    coefficients.clear();
+    stepwiseLines.clear();
     silentStopReason.clear();
     if (!checkInputs(dialogs)) {
         return RunOutcome::Refused;
@@ -267,10 +266,15 @@ RunOutcome CalibrateScreen::calibrate(Dialogs& dialogs, core::Progress& progress
                 calibration::writeParameterFile(parFileText, found.parameters);
                 calibration::ReportOptions options;
                 options.conditional = calibrationRequest.conditional;
-                options.autoregression = calibrationRequest.autoregression;
+                // After a stepwise search the model may have left the lag term out.
+                options.autoregression = found.parameters.autoregression;
                 options.includeChow = calibrationRequest.includeChow;
                 options.crossValidation = found.crossValidation;
                 report = calibration::buildReport(state_, found, options);
+                coefficients = calibration::coefficientTables(state_, found);
+                if (found.stepwise) {
+                    stepwiseLines = calibration::stepwiseLines(*found.stepwise);
+                }
                 results = std::move(found);
             } catch (const calibration::SilentStop& stop) {
                 silentStopReason = stop.what();
@@ -285,6 +289,23 @@ RunOutcome CalibrateScreen::calibrate(Dialogs& dialogs, core::Progress& progress
 
 std::string CalibrateScreen::reportText() const {
     return report ? calibration::reportText(*report) : std::string();
+}
+
+std::string CalibrateScreen::resultsText() const {
+    std::string text = reportText();
+    for (const core::ResultsTable& table : coefficients) {
+        text += "\n";
+        for (const std::string& line : core::tableLines(table)) {
+            text += line + "\n";
+        }
+    }
+    if (!stepwiseLines.empty()) {
+        text += "\n";
+    }
+    for (const std::string& line : stepwiseLines) {
+        text += line + "\n";
+    }
+    return text;
 }
 
 } // namespace varo::screens

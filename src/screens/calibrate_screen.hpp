@@ -67,6 +67,10 @@ public:
     // What the last run produced.
     std::optional<calibration::CalibrationResults> results;
     std::optional<calibration::CalibrationReport> report;
+    // The fitted coefficients by month, season or year (both stages of a conditional
+    // model), and what a stepwise search chose: shown after the report.
+    std::vector<core::ResultsTable> coefficients;
+    std::vector<std::string> stepwiseLines;
     // Why a run ended without a word (a transformation that could not go on), for the
     // command line; the desktop shows nothing.
     std::string silentStopReason;
@@ -95,6 +99,9 @@ public:
     RunOutcome calibrate(Dialogs& dialogs, core::Progress& progress);
     // The report as text, empty before a successful run.
     std::string reportText() const;
+    // The report, the coefficient tables and the stepwise choice as text, as the results
+    // window saves it.
+    std::string resultsText() const;
     // The toolbar's reset key: the fields as the screen opened them.
     void reset();
     // Shows the settings' dates afresh after they changed.

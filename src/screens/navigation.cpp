@@ -1,6 +1,7 @@
 #include "screens/navigation.hpp"
 
 #include "core/ini_file.hpp"
+#include "core/series_file.hpp"
 #include "core/settings.hpp"
 
 namespace varo::screens {
@@ -41,8 +42,9 @@ const ToolbarKey* findToolbarKey(std::string_view shortName) {
 
 void startProgram(core::ProgramState& state, const std::string& settingsFile) {
     core::initialiseState(state);
-    state.settingsFile = settingsFile;
-    state.defaultSettingsFile = settingsFile;
+    // The settings file saves its own path (INIFile), which must name it from any folder.
+    state.settingsFile = core::absolutePath(settingsFile);
+    state.defaultSettingsFile = state.settingsFile;
     core::loadStartupSettings(state);
 }
 

@@ -4,6 +4,7 @@
 #include "core/ini_file.hpp"
 #include "core/number_format.hpp"
 #include "core/numeric_text.hpp"
+#include "core/series_file.hpp"
 #include "core/settings.hpp"
 
 #include <functional>
@@ -191,8 +192,9 @@ void SettingsScreen::setRandomSeed(bool ticked) {
 }
 
 void SettingsScreen::setDefaultDir(const std::string& folder) {
-    defaultDir = folder;
-    state_.defaultDir = folder;
+    // Kept absolute, so that the saved folder means the same from any working folder.
+    defaultDir = core::absolutePath(folder);
+    state_.defaultDir = defaultDir;
 }
 
 bool SettingsScreen::apply(Dialogs& dialogs) {
@@ -380,9 +382,9 @@ bool AdvSettingsScreen::checkMonthModification(Dialogs& dialogs, int monthIndex)
 }
 
 void AdvSettingsScreen::setSettingsFile(const std::string& path) {
-    settingsFileText = path;
+    settingsFileText = core::absolutePath(path);
     if (!path.empty()) {
-        state_.settingsFile = path;
+        state_.settingsFile = settingsFileText;
     }
 }
 

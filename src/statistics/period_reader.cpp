@@ -44,8 +44,17 @@ std::vector<PeriodDay> periodDays(const core::CalendarRule& calendar, const core
     return days;
 }
 
-PeriodValues readPeriod(const DataSource& source, const core::Date& start, const core::Date& end,
-                        core::Progress& progress) {
+namespace {
+
+int yearLengthOf(const core::CalendarRule& calendar) {
+    if (calendar.yearLengthRow == 2) {
+        return 360;
+    }
+    return calendar.leapExtraDays == 1 ? 366 : 365;
+}
+
+PeriodValues readPeriodValues(const DataSource& source, const core::Date& start,
+                              const core::Date& end, core::Progress& progress) {
     PeriodValues period;
     period.memberCount = source.memberCount;
     period.days = periodDays(source.calendar, start, end);
@@ -82,6 +91,20 @@ PeriodValues readPeriod(const DataSource& source, const core::Date& start, const
         }
     }
     return period;
+}
+
+} // namespace
+
+PeriodValues readPeriod(const DataSource& source, const core::Date& start, const core::Date& end,
+                        core::Progress& progress) {
+    const core::DatesInUse dates{core::formatDate(source.recordStart),
+                                 {},
+                                 core::formatDate(start),
+                                 core::formatDate(end),
+                                 "analysis period",
+                                 yearLengthOf(source.calendar)};
+    return core::readingByDates(dates,
+                                [&] { return readPeriodValues(source, start, end, progress); });
 }
 
 } // namespace varo::statistics

@@ -42,8 +42,9 @@ std::vector<PeriodDay> periodDays(const core::CalendarRule& calendar, const core
                                   const core::Date& end);
 
 // Reads the period. Reports "Skipping Unnecessary Data" and "Reading in Data" once a day
-// and throws `core::Cancelled` on a stop. A file that ends early fails with 62; a member's
-// field that holds no number fails with 13 naming the file, line, member and text.
+// and throws `core::Cancelled` on a stop. A file that ends early fails with 62 and a
+// description naming the dates read by; a member's field that holds no number fails with 13
+// naming the file, line, member and text.
 PeriodValues readPeriod(const DataSource& source, const core::Date& start, const core::Date& end,
                         core::Progress& progress);
 

@@ -158,7 +158,14 @@ void synthesize(const SynthesisRequest& request, const core::ProgramState& state
     const SynthesisSettings settings = SynthesisSettings::fromState(state);
     DailySynthesis synthesis(model, settings, request.ensembleSize, random,
                              sample ? &*sample : nullptr);
-    skipToStart(predictors, model.header.recordStart, request.start, progress);
+    const core::DatesInUse dates{model.header.recordStartText,
+                                 {},
+                                 core::formatDate(request.start),
+                                 {},
+                                 "run of " + std::to_string(request.days) + " days from",
+                                 state.yearIndicator};
+    core::readingByDates(
+        dates, [&] { skipToStart(predictors, model.header.recordStart, request.start, progress); });
 
     core::RecordCalendar position(core::calendarInForce(state), request.start);
     position.lowerDay();
@@ -174,9 +181,11 @@ void synthesize(const SynthesisRequest& request, const core::ProgramState& state
         progress.throwIfStopped();
         position.raiseDay();
         position.completeRaisedDay();
-        for (size_t i = 0; i < predictors.size(); ++i) {
-            dayPredictors[i] = predictors[i].readNumber();
-        }
+        core::readingByDates(dates, [&] {
+            for (size_t i = 0; i < predictors.size(); ++i) {
+                dayPredictors[i] = predictors[i].readNumber();
+            }
+        });
         try {
             synthesis.synthesizeDay(position.month(), dayPredictors.data(), members.data());
         } catch (const core::Failure& failure) {

@@ -165,7 +165,14 @@ TEST(CalibrateDriver, FileProblemsAreFailuresNamingTheFile) {
     auto tooLong = request(ModelType::Annual, false);
     tooLong.data.fitEnd = Date{31, 12, 1967};
     tooLong.data.fitDays = 2191;
-    EXPECT_TRUE(failsWith([&] { run(state, tooLong); }, 62, "rain.dat"));
+    // The required lines stay; the description names the file, its last line and the
+    // dates that asked for more.
+    EXPECT_TRUE(failsWith([&] { run(state, tooLong); }, 62,
+                          "'" + data("rain.dat") +
+                              "' ends after line 2191, before the dates in use: record from "
+                              "01/01/1961 to 31/12/1967, fit 01/01/1962 to 31/12/1967, year "
+                              "length 366. Change the dates to match the file, or choose a file "
+                              "that covers them."));
 
     state = sixYearState();
     std::string shum = varo::testing::readFile(data("shum.dat"));
@@ -239,6 +246,84 @@ TEST(CalibrateDriver, StepwiseChoosesAndNamesTheSubset) {
     EXPECT_EQ(results.parameters.predictorNames,
               (std::vector<std::string>{"shum.dat", "mslp.dat"}));
     EXPECT_NE(std::find(run.progress.captions.begin(), run.progress.captions.end(),
+                        "Calibrating Stepwise Models"),
+              run.progress.captions.end());
+}
+
+namespace {
+
+// tests/data/calibration/stepwise_lag (numpy, see make_reference.py there): 120 days of an
+// annual model whose lag column is the last of the candidates.
+const std::string StepwiseLagData = std::string(VARO_TEST_DATA) + "/calibration/stepwise_lag";
+
+std::vector<double> stepwiseReference(const std::string& key) {
+    return varo::testing::referenceLines(StepwiseLagData + "/reference.txt").at(key).at(0);
+}
+
+} // namespace
+
+TEST(CalibrateStepwise, LagTermIsTheLastCandidateAndStaysOnlyWhenChosen) {
+    struct Case {
+        const char* name;
+        std::vector<std::string> predictors;
+        std::vector<std::string> chosen; // as the search names them
+        std::vector<std::string> named;  // as the parameter file names them
+        bool lag;
+        int subsets;
+    };
+    const Case cases[] = {
+        // dup.dat copies a.dat: every subset holding both is singular, and of the equal
+        // triples the first, with a.dat, stays.
+        {"kept",
+         {"a.dat", "dup.dat", "b.dat"},
+         {"a.dat", "b.dat", "Autoregression"},
+         {"a.dat", "b.dat"},
+         true,
+         15},
+        // ylag.dat equals the lag column: the pair (a, ylag) comes before (a, lag).
+        {"dropped", {"a.dat", "ylag.dat"}, {"a.dat", "ylag.dat"}, {"a.dat", "ylag.dat"}, false, 7},
+    };
+    auto state = sixYearState();
+    state.globalSDate = "01/01/1961";
+    state.globalEDate = "30/04/1961";
+    state.globalDays = 120;
+    state.applyStepwise = true;
+    for (const Case& c : cases) {
+        CalibrationRequest r;
+        r.data.predictandPath = StepwiseLagData + "/y.dat";
+        for (const std::string& name : c.predictors) {
+            r.data.predictorPaths.push_back(StepwiseLagData + "/" + name);
+        }
+        r.data.fitStart = Date{1, 1, 1961};
+        r.data.fitEnd = Date{30, 4, 1961};
+        r.data.fitDays = 120;
+        r.data.modelType = ModelType::Annual;
+        r.predictandName = "y.dat";
+        r.fitStartText = "01/01/1961";
+        r.autoregression = true;
+        Calibrator run;
+        const CalibrationResults results = run(state, r);
+        ASSERT_TRUE(results.stepwise) << c.name;
+        EXPECT_EQ(results.stepwise->chosen, c.chosen) << c.name;
+        EXPECT_EQ(results.stepwise->subsetsTried, c.subsets) << c.name;
+        const double criterion = stepwiseReference(std::string(c.name) + "_criterion")[0];
+        EXPECT_NEAR(results.stepwise->criterion, criterion, 1e-9 * std::fabs(criterion));
+        EXPECT_EQ(results.parameters.predictorNames, c.named) << c.name;
+        EXPECT_EQ(results.parameters.autoregression, c.lag) << c.name;
+        expectCoefficients(results.parameters.months[11].coefficients,
+                           stepwiseReference(std::string(c.name) + "_coefficients"), c.name);
+        EXPECT_EQ(results.statistics[0].predictors, static_cast<int>(c.chosen.size())) << c.name;
+    }
+}
+
+TEST(CalibrateStepwise, EightPredictorsAndTheLagAreMoreSubsetsThanTheSearchKeeps) {
+    auto state = sixYearState();
+    state.applyStepwise = true;
+    Calibrator run;
+    auto r = request(ModelType::Annual, false, true);
+    r.data.predictorPaths.assign(8, data("mslp.dat"));
+    EXPECT_TRUE(failsWith([&] { run(state, r); }, 9, "at most 500 subsets; 9 candidates make 511"));
+    EXPECT_EQ(std::find(run.progress.captions.begin(), run.progress.captions.end(),
                         "Calibrating Stepwise Models"),
               run.progress.captions.end());
 }

@@ -47,8 +47,10 @@ TEST(Stepwise, TiesGoToTheFirstFailedSubsetsCannotWinAndAStopIsSeen) {
     varo::testing::CountingProgress progress;
     varo::core::SilentNotifier notifier;
     FitEnvironment environment{progress, notifier};
-    EXPECT_EQ(selectPredictors(x, y, FitMethod::LeastSquares, true, environment),
-              std::vector<int>{1});
+    const StepwiseSelection selection =
+        selectPredictors(x, y, FitMethod::LeastSquares, true, environment);
+    EXPECT_EQ(selection.positions, std::vector<int>{1});
+    EXPECT_EQ(selection.subsetsTried, 3);
     EXPECT_EQ(progress.captions, std::vector<std::string>{"Calibrating Stepwise Models"});
     EXPECT_EQ(progress.lastCurrent, 100);
 

@@ -1,8 +1,10 @@
 #include "cli_test_support.hpp"
 
 #include <algorithm>
+#include <filesystem>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
+#include <sstream>
 
 using namespace varo::testing;
 
@@ -72,7 +74,8 @@ TEST(CliCalibrate, JsonCarriesBothStagesAndCrossValidationMessagesDoNotStopTheRu
                                                   {"--json"}));
     ASSERT_EQ(folds.exitCode, 0) << folds.err;
     EXPECT_EQ(folds.err, "Error Message: Sorry - insufficient data for all cross validation "
-                         "metrics to be calculated.\n");
+                         "metrics to be calculated.\nParameter file written: " +
+                             par + "\n");
     const auto validated = nlohmann::json::parse(folds.out);
     EXPECT_TRUE(validated["crossValidation"][0]["propCorrect"].is_null());
     EXPECT_TRUE(validated["amountCrossValidation"][0]["spearman"].is_null());
@@ -108,9 +111,154 @@ TEST(CliCalibrate, StepwiseAsksFirstAndNamesTheChosenPredictors) {
     const auto accepted = runVaro(dir, args);
     ASSERT_EQ(accepted.exitCode, 0) << accepted.err;
     EXPECT_TRUE(contains(readFile(par), "rain.dat\r\nmslp.dat\r\nshum.dat\r\n"));
+    EXPECT_TRUE(contains(accepted.out, "\nStepwise selection (AIC) tried 3 subsets of mslp.dat, "
+                                       "shum.dat\nChosen: mslp.dat, shum.dat (criterion "))
+        << accepted.out;
+}
 
-    args.push_back("--autoregression");
-    const auto refusedLag = runVaro(dir, args);
-    EXPECT_EQ(refusedLag.exitCode, 2);
-    EXPECT_TRUE(contains(refusedLag.err, "autoregression with the stepwise")) << refusedLag.err;
+// tests/data/calibration/stepwise_lag/make_reference.py: the chosen subsets and their
+// coefficients by numpy; the parameter file holds them to three decimals.
+TEST(CliCalibrate, StepwiseWithTheLagTermWritesWhatTheSearchKept) {
+    const std::string lagData = std::string(VARO_TEST_DATA) + "/calibration/stepwise_lag/";
+    struct Case {
+        std::vector<std::string> predictors;
+        std::string names;      // lines 12 on of the parameter file
+        std::string lagLine;    // line 11
+        std::string januaryRow; // the start of the line after the names
+    };
+    const Case cases[] = {
+        {{"a.dat", "dup.dat", "b.dat"},
+         "y.dat\r\na.dat\r\nb.dat\r\n",
+         "True",
+         "0.990         0.796         -0.307        0.554         "},
+        {{"a.dat", "ylag.dat"},
+         "y.dat\r\na.dat\r\nylag.dat\r\n",
+         "False",
+         "0.935         0.763         0.573         "},
+    };
+    TempDir dir;
+    for (const Case& c : cases) {
+        const auto par = dir.path("LAG.PAR");
+        std::vector<std::string> args{
+            "--set", "GlobalSDate=01/01/1961", "--set",     "GlobalEDate=30/04/1961",
+            "--set", "ApplyStepwise=True",     "calibrate", lagData + "y.dat"};
+        for (const std::string& name : c.predictors) {
+            args.push_back(lagData + name);
+        }
+        args.insert(args.end(), {"-o", par, "--model", "annual", "--autoregression", "--yes"});
+        const auto run = runVaro(dir, args);
+        ASSERT_EQ(run.exitCode, 0) << run.err;
+        const std::string text = readFile(par);
+        EXPECT_TRUE(contains(text, "\r\n" + c.lagLine + "\r\n" + c.names + c.januaryRow)) << text;
+        // The weather generator reads the file as written.
+        const auto generated = runVaro(
+            dir, {"--set", "GlobalSDate=01/01/1961", "generate", par, "--predictors", lagData, "-o",
+                  dir.path("LAG.OUT"), "--start", "01/01/1961", "--days", "30", "--ensemble", "2"});
+        EXPECT_EQ(generated.exitCode, 0) << generated.err;
+    }
+}
+
+TEST(CliCalibrate, NamesTheFileItWroteAndPrintsTheCoefficientsAsTheFileHoldsThem) {
+    TempDir dir;
+    const auto par = dir.path("MODEL.PAR");
+    const auto run = runVaro(dir, calibrateArgs(par, {"--model", "seasonal"}));
+    ASSERT_EQ(run.exitCode, 0) << run.err;
+    EXPECT_EQ(run.err, "Parameter file written: " + par + "\n");
+    // Each season's row of the table is the constant and the two coefficients that the
+    // parameter file holds for the season's first month.
+    const std::string file = readFile(par);
+    const size_t rows = file.find("\r\n", file.find("shum.dat\r\n")) + 2;
+    const auto monthRow = [&](int month) {
+        size_t at = rows;
+        for (int m = 1; m < month; ++m) {
+            at = file.find("\r\n", at) + 2;
+        }
+        std::istringstream values(file.substr(at, file.find("\r\n", at) - at));
+        std::string constant;
+        std::string first;
+        std::string second;
+        values >> constant >> first >> second;
+        return constant + "  " + first + "  " + second;
+    };
+    EXPECT_TRUE(contains(run.out, "\nModel Coefficients\nSeason  Constant  mslp.dat  shum.dat\n"))
+        << run.out;
+    for (const auto& [season, month] : std::vector<std::pair<std::string, int>>{
+             {"Winter", 1}, {"Spring", 3}, {"Summer", 6}, {"Autumn", 9}}) {
+        const std::string row = monthRow(month);
+        EXPECT_TRUE(contains(run.out, season)) << season;
+        const size_t line = run.out.find("\n" + season + " ");
+        ASSERT_NE(line, std::string::npos) << season;
+        std::istringstream printed(run.out.substr(line + 1, run.out.find('\n', line + 1) - line));
+        std::string label;
+        std::string a;
+        std::string b;
+        std::string c;
+        printed >> label >> a >> b >> c;
+        EXPECT_EQ(a + "  " + b + "  " + c, row) << season;
+    }
+
+    const auto quiet = runVaro(dir, calibrateArgs(par, {"--model", "seasonal"}, {"--quiet"}));
+    ASSERT_EQ(quiet.exitCode, 0) << quiet.err;
+    EXPECT_EQ(quiet.err, "");
+    EXPECT_FALSE(contains(quiet.out, "Model Coefficients"));
+
+    const auto json = runVaro(dir, calibrateArgs(par, {"--model", "seasonal"}, {"--json"}));
+    ASSERT_EQ(json.exitCode, 0) << json.err;
+    const auto report = nlohmann::json::parse(json.out);
+    ASSERT_EQ(report["coefficients"].size(), 1u);
+    const auto& table = report["coefficients"][0];
+    EXPECT_EQ(table["columns"], (nlohmann::json{"Constant", "mslp.dat", "shum.dat"}));
+    ASSERT_EQ(table["rows"].size(), 4u);
+    EXPECT_EQ(table["rows"][2]["label"], "Summer");
+    EXPECT_FALSE(report.contains("stepwise"));
+}
+
+TEST(CliCalibrate, ConditionalModelShowsBothStagesWithTheTransformationsParameters) {
+    TempDir dir;
+    const auto par = dir.path("COND.PAR");
+    const auto json = runVaro(dir, calibrateArgs(par, {"--process", "conditional"},
+                                                 {"--json", "--set", "ModelTransformation=4"}));
+    ASSERT_EQ(json.exitCode, 0) << json.err;
+    const auto tables = nlohmann::json::parse(json.out)["coefficients"];
+    ASSERT_EQ(tables.size(), 2u);
+    EXPECT_EQ(tables[0]["title"], "Occurrence Model Coefficients");
+    EXPECT_EQ(tables[1]["title"], "Amount Model Coefficients");
+    EXPECT_EQ(tables[1]["columns"],
+              (nlohmann::json{"Constant", "mslp.dat", "shum.dat", "Mean Ratio"}));
+    ASSERT_EQ(tables[1]["rows"].size(), 12u);
+    EXPECT_EQ(tables[1]["rows"][11]["label"], "December");
+}
+
+// The parameter file keeps the predictand's path absolute, so that a model calibrated with
+// a relative path is generated from another folder.
+TEST(CliCalibrate, RelativePredictandPathSurvivesACd) {
+    TempDir dir;
+    const std::filesystem::path home = dir.folder();
+    std::filesystem::create_directories(home / "data");
+    for (const char* name : {"rain.dat", "mslp.dat", "shum.dat"}) {
+        std::filesystem::copy_file(Data + "/" + name, home / "data" / name);
+    }
+    const std::vector<std::string> settings{"--settings", (home / "VARO.INI").string(),
+                                            "--set",      "GlobalSDate=01/01/1961",
+                                            "--set",      "GlobalEDate=31/12/1966",
+                                            "--set",      "ModelTransformation=4",
+                                            "--set",      "RandomSeed=False"};
+    {
+        WorkingFolder here(home);
+        auto args = settings;
+        args.insert(args.end(), {"calibrate", "data/rain.dat", "data/mslp.dat", "data/shum.dat",
+                                 "-o", "model.PAR", "--process", "conditional"});
+        const auto calibrated = runVaroAsTyped(args);
+        ASSERT_EQ(calibrated.exitCode, 0) << calibrated.err;
+    }
+    const std::string par = readFile((home / "model.PAR").string());
+    EXPECT_TRUE(contains(par, "\r\n" + (home / "data/rain.dat").string() + "\r\n")) << par;
+
+    WorkingFolder elsewhere(home / "runs");
+    auto args = settings;
+    args.insert(args.end(), {"generate", "../model.PAR", "--predictors", "../data", "-o", "run.OUT",
+                             "--start", "01/01/1961", "--days", "30", "--ensemble", "2"});
+    const auto generated = runVaroAsTyped(args);
+    EXPECT_EQ(generated.exitCode, 0) << generated.err;
+    EXPECT_TRUE(fileExists((home / "runs/run.OUT").string()));
 }

@@ -131,11 +131,67 @@ TEST(CliOptions, HelpNamesTheKindOfEveryValue) {
 TEST(CliOptions, FilesWrittenAreNamedOnStderrUnlessQuiet) {
     TempDir dir;
     const auto in = dir.write("in.dat", DataFile);
-    const auto out = dir.path("sq.dat");
-    const auto loud = runVaro(dir, {"transform", in, "-o", out, "--op", "square"});
-    ASSERT_EQ(loud.exitCode, 0) << loud.err;
-    EXPECT_EQ(loud.err, "Data file written: " + out + "\n");
-    const auto quiet = runVaro(dir, {"--quiet", "transform", in, "-o", out, "--op", "square"});
-    EXPECT_EQ(quiet.exitCode, 0);
-    EXPECT_EQ(quiet.err, "");
+    struct Case {
+        std::vector<std::string> args;
+        std::string written;
+    };
+    const Case cases[] = {
+        {{"transform", in, "-o", dir.path("sq.dat"), "--op", "square"},
+         "Data file written: " + dir.path("sq.dat") + "\n"},
+        {{"stats", in, "-o", dir.path("r.txt"), "--start", "01/01/1961", "--end", "05/01/1961"},
+         "Results file written: " + dir.path("r.txt") + "\n"},
+    };
+    for (const Case& c : cases) {
+        const auto loud = runVaro(dir, c.args);
+        ASSERT_EQ(loud.exitCode, 0) << loud.err;
+        EXPECT_EQ(loud.err, c.written);
+        auto args = c.args;
+        args.insert(args.begin(), "--quiet");
+        const auto quiet = runVaro(dir, args);
+        EXPECT_EQ(quiet.exitCode, 0);
+        EXPECT_EQ(quiet.err, "");
+    }
+}
+
+// A file that ends before the dates in force keeps the required lines of failure 62 and
+// then says which file, where it ended and which dates asked for more.
+TEST(CliOptions, FileEndingBeforeTheDatesInUseNamesThem) {
+    TempDir dir;
+    const std::string weathergen = std::string(VARO_TEST_DATA) + "/weathergen/";
+    const std::string required = "Error Message: Sorry - an error has occurred - please check all "
+                                 "selections and try again.\nInput past end of file.\nPlease "
+                                 "check global program settings.\n";
+    const std::string advice =
+        ". Change the dates to match the file, or choose a file that covers them.\n";
+    struct Case {
+        std::vector<std::string> args;
+        std::string hint;
+    };
+    const std::vector<Case> cases{
+        {{"--set", "GlobalEDate=31/12/2099", "screen", "correlation", Screening + "predictand.dat",
+          Screening + "p1_mslp.dat"},
+         "'" + Screening +
+             "predictand.dat' ends after line 1095, before the dates in use: record from "
+             "01/01/1961 to 31/12/2099, fit 01/01/1961 to 31/12/2099, year length 366"},
+        {{"--set", "GlobalEDate=31/12/2099", "--set", "YearIndicator=365", "calibrate",
+          Screening + "predictand.dat", Screening + "p1_mslp.dat", "-o", dir.path("M.PAR"),
+          "--start", "01/01/1962"},
+         "'" + Screening +
+             "predictand.dat' ends after line 1095, before the dates in use: record from "
+             "01/01/1961 to 31/12/2099, fit 01/01/1962 to 31/12/2099, year length 365"},
+        {{"--set", "YearIndicator=360", "generate", weathergen + "stochastic.PAR", "--predictors",
+          weathergen, "-o", dir.path("run.OUT"), "--start", "15/01/1961", "--days", "5000",
+          "--ensemble", "2"},
+         "'" + weathergen +
+             "st_p1.dat' ends after line 150, before the dates in use: record from 01/01/1961, "
+             "run of 5000 days from 15/01/1961, year length 360"},
+    };
+    for (const Case& c : cases) {
+        const auto run = runVaro(dir, c.args);
+        EXPECT_EQ(run.exitCode, 1) << c.args[4];
+        const size_t at = run.err.find(required);
+        ASSERT_NE(at, std::string::npos) << run.err;
+        EXPECT_EQ(run.err.substr(at + required.size()), c.hint + advice);
+    }
+    EXPECT_FALSE(fileExists(dir.path("M.PAR")));
 }

@@ -71,3 +71,19 @@ TEST(CliQc, SetOverridesUseTheSettingsChecks) {
     EXPECT_EQ(nlohmann::json::parse(code.out)["missing"], 1);
     EXPECT_FALSE(fileExists(dir.path("VARO.INI"))); // --set never writes the settings file
 }
+
+TEST(CliQc, LineFeedAndCarriageReturnFilesDrawNoLineBreakWarning) {
+    TempDir dir;
+    for (const char* end : {"\r\n", "\n", "\r"}) {
+        std::string content;
+        for (int day = 0; day < 40; ++day) {
+            content += std::to_string(day) + ".25" + end;
+        }
+        const auto run = runVaro(dir, {"qc", dir.write("a.dat", content), "--json"});
+        ASSERT_EQ(run.exitCode, 0) << run.err;
+        EXPECT_EQ(run.err, "");
+        const auto report = nlohmann::json::parse(run.out);
+        EXPECT_EQ(report["values"], 40);
+        EXPECT_TRUE(report["warnings"].empty());
+    }
+}

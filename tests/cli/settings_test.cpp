@@ -75,3 +75,41 @@ TEST(CliUsage, UnknownCommandsAndOptionsAreRefused) {
     EXPECT_EQ(help.exitCode, 0);
     EXPECT_NE(help.out.find("qc"), std::string::npos);
 }
+
+// Paths are stored as they resolve where they were given, so that the settings file still
+// names itself and the folder after a `cd`.
+TEST(CliSettings, RelativeSettingsPathsAreStoredAbsoluteAndSurviveACd) {
+    TempDir dir;
+    const std::filesystem::path home = dir.folder();
+    {
+        WorkingFolder here(home);
+        const auto set = runVaroAsTyped(
+            {"--settings", "study/VARO.INI", "settings", "set", "DefaultDir", "study/./data"});
+        ASSERT_EQ(set.exitCode, 0) << set.err;
+        EXPECT_EQ(set.out, "DefaultDir saved to " + (home / "study/VARO.INI").string() + ".\n");
+    }
+    const std::string written = readFile((home / "study/VARO.INI").string());
+    EXPECT_NE(written.find("INIFile=" + (home / "study/VARO.INI").string() + "\r\n"),
+              std::string::npos)
+        << written;
+    EXPECT_NE(written.find("DefaultDir=" + (home / "study/data").string() + "\r\n"),
+              std::string::npos)
+        << written;
+
+    // After the cd the file is found by its new relative name and keeps naming itself.
+    WorkingFolder inside(home / "study");
+    const auto again = runVaroAsTyped({"--settings", "VARO.INI", "settings", "set", "Thresh", "2"});
+    ASSERT_EQ(again.exitCode, 0) << again.err;
+    EXPECT_EQ(again.out, "Thresh saved to " + (home / "study/VARO.INI").string() + ".\n");
+    EXPECT_FALSE(fileExists((home / "study/study/VARO.INI").string()));
+    const auto shown = nlohmann::json::parse(
+        runVaroAsTyped({"--settings", "VARO.INI", "--json", "settings", "show"}).out);
+    EXPECT_EQ(shown["Thresh"], 2.0);
+    EXPECT_EQ(shown["DefaultDir"], (home / "study/data").string());
+
+    std::filesystem::create_directories(home / "other");
+    const auto redirected = runVaroAsTyped(
+        {"--settings", "VARO.INI", "settings", "set", "INIFile", "../other/VARO.INI"});
+    ASSERT_EQ(redirected.exitCode, 0) << redirected.err;
+    EXPECT_EQ(redirected.out, "INIFile saved to " + (home / "other/VARO.INI").string() + ".\n");
+}

@@ -225,6 +225,9 @@ TEST(CliStats, BadInputGetsItsMessageAndNoResultsFile) {
     EXPECT_EQ(err("ensemble3.OUT", {"--start", "01/01/1961", "--end", "31/12/1970"}, 1),
               "Error Message: Sorry - an error has occurred - please check all selections and "
               "try again.\nInput past end of file.\nPlease check global program settings.\n"
-              "Reading past the end of '" +
-                  data("ensemble3.OUT") + "' (after line 1096).\n");
+              "'" +
+                  data("ensemble3.OUT") +
+                  "' ends after line 1095, before the dates in use: record from 01/01/1961, "
+                  "analysis period 01/01/1961 to 31/12/1970, year length 366. Change the dates "
+                  "to match the file, or choose a file that covers them.\n");
 }

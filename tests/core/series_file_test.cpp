@@ -32,15 +32,32 @@ TEST(SeriesReader, BlanksLineEndsAndCommasSeparateNumbers) {
     EXPECT_TRUE(reader.atEnd());
 }
 
-TEST(SeriesReader, ReadingPastTheEndIsFailure62) {
+TEST(SeriesReader, ReadingPastTheEndIsFailure62AfterTheLastLineWithAValue) {
     TempDir dir;
     const auto path = dir.write("a.dat", "1\r\n2\r\n\r\n");
     SeriesReader reader(path);
     reader.readNumber();
     reader.readNumber();
-    EXPECT_EQ(failureNumber([&] { reader.readNumber(); }), 62);
+    try {
+        reader.readNumber();
+        FAIL() << "no failure";
+    } catch (const PastEndFailure& failure) {
+        EXPECT_EQ(failure.number(), 62);
+        EXPECT_EQ(failure.path(), path);
+        EXPECT_EQ(failure.lastLine(), 2);
+        EXPECT_EQ(failure.description(), "Reading past the end of '" + path + "' (after line 2).");
+    }
     SeriesReader empty(dir.write("empty.dat", ""));
     EXPECT_EQ(failureNumber([&] { empty.readNumber(); }), 62);
+    SeriesReader lines(dir.write("lines.dat", "a b\nc\n"));
+    lines.readLine();
+    lines.readLine();
+    try {
+        lines.readLine();
+        FAIL() << "no failure";
+    } catch (const PastEndFailure& failure) {
+        EXPECT_EQ(failure.lastLine(), 2);
+    }
 }
 
 TEST(SeriesReader, NonNumericTokenNamesFileLineAndToken) {
@@ -143,4 +160,37 @@ TEST(FileNames, BareNameAndFolder) {
     EXPECT_EQ(bareFileName("c.dat"), "c.dat");
     EXPECT_EQ(folderOf("/a/b/c.dat"), "/a/b");
     EXPECT_EQ(folderOf("c.dat"), "");
+}
+
+TEST(FileNames, AbsolutePathIsTidiedAgainstTheWorkingFolder) {
+    const std::filesystem::path here = std::filesystem::current_path();
+    EXPECT_EQ(absolutePath("data/./rain.dat"), (here / "data/rain.dat").string());
+    EXPECT_EQ(absolutePath("data/../rain.dat"), (here / "rain.dat").string());
+    EXPECT_EQ(absolutePath("/a/b/../c.dat"), "/a/c.dat");
+    EXPECT_EQ(absolutePath(""), "");
+}
+
+TEST(FirstLine, EndsAtWhicheverLineEndComesFirst) {
+    const std::pair<std::string, std::string> cases[] = {
+        {"12.5\r\n3\r\n", "12.5"},
+        {"12.5\n3\n", "12.5"},
+        {"12.5\r3\r", "12.5"},
+        {"12.5\n\r3", "12.5"},
+        {"\r\n12.5\r\n", ""},
+        {"12.5", "12.5"},
+        {"", ""},
+        {"1 2 3\t4\n5", "1 2 3\t4"},
+    };
+    TempDir dir;
+    for (const auto& [content, first] : cases) {
+        EXPECT_EQ(readFirstLine(dir.write("a.dat", content)), first) << content;
+    }
+    EXPECT_EQ(readFirstLine(dir.path("absent.dat")), std::nullopt);
+}
+
+TEST(FirstLine, FileWithoutLineEndsIsReadOnlyToTheLimit) {
+    TempDir dir;
+    const auto path = dir.write("long.dat", std::string(100000, '7'));
+    EXPECT_EQ(readFirstLine(path, 16), std::string(16, '7'));
+    EXPECT_EQ(readFirstLine(path)->size(), 4096u);
 }

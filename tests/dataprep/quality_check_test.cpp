@@ -14,14 +14,32 @@ dataprep::QualityResults check(const std::string& path, float threshold = 0.0f) 
 }
 } // namespace
 
-TEST(QualityCheck, FirstLineOfFifteenCharactersPassesAndSixteenWarns) {
+TEST(QualityCheck, FirstLineWarningByLengthAndLineEnd) {
+    struct Case {
+        const char* name;
+        std::string content;
+        bool warns;
+    };
+    const std::string fifteen(15, '1');
+    const std::string sixteen(16, '1');
+    const Case cases[] = {
+        {"fifteen CRLF", fifteen + "\r\n2\r\n", false},
+        {"sixteen CRLF", sixteen + "\r\n2\r\n", true},
+        {"fifteen LF", fifteen + "\n2\n", false},
+        {"sixteen LF", sixteen + "\n2\n", true},
+        {"fifteen CR", fifteen + "\r2\r", false},
+        {"sixteen CR", sixteen + "\r2\r", true},
+        // Several short LF lines are not one long line.
+        {"short LF lines", "1.5\n2.5\n3.5\n4.5\n5.5\n", false},
+        {"columns", "1.000 2.000 3.000 4.000\n", true},
+        {"no line end", sixteen, true},
+        {"empty", "", false},
+    };
     TempDir dir;
-    EXPECT_FALSE(
-        dataprep::firstLineTooLong(dir.write("a.dat", std::string(15, '1') + "\r\n2\r\n")));
-    EXPECT_TRUE(dataprep::firstLineTooLong(dir.write("b.dat", std::string(16, '1') + "\r\n2\r\n")));
-    // Line feeds alone do not end a line: the first line is the whole file.
-    EXPECT_TRUE(dataprep::firstLineTooLong(dir.write("c.dat", "1.5\n2.5\n3.5\n4.5\n5.5\n")));
-    EXPECT_FALSE(dataprep::firstLineTooLong(dir.write("d.dat", "")));
+    for (const Case& c : cases) {
+        EXPECT_EQ(dataprep::firstLineTooLong(dir.write("a.dat", c.content)), c.warns) << c.name;
+    }
+    EXPECT_FALSE(dataprep::firstLineTooLong(dir.path("absent.dat")));
 }
 
 TEST(QualityCheck, CountsExtremesMeanAndJump) {

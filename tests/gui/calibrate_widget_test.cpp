@@ -5,6 +5,7 @@
 #include <QLabel>
 #include <QListWidget>
 #include <QPushButton>
+#include <QRadioButton>
 #include <QTextEdit>
 
 using namespace varo;
@@ -58,9 +59,29 @@ TEST_F(GuiFixture, CalibrateScreenFitsAModelAndShowsTheReport) {
     const QString page = results->findChild<QTextEdit*>("ResultsPage")->toPlainText();
     EXPECT_TRUE(page.contains("Unconditional Statistics"));
     EXPECT_TRUE(page.contains("Chow"));
+    // The coefficients follow, one row for the year, as the parameter file holds them.
+    const QString coefficients = page.mid(page.indexOf("Model Coefficients"));
+    EXPECT_TRUE(coefficients.contains("Constant")) << coefficients.toStdString();
+    EXPECT_TRUE(coefficients.contains("mslp.dat")) << coefficients.toStdString();
+    const std::string parRow = golden.substr(golden.find("\r\n", golden.find("shum.dat")) + 2, 5);
+    EXPECT_TRUE(coefficients.contains("Annual\n" + QString::fromStdString(parRow)))
+        << coefficients.toStdString() << " / " << parRow;
 
     dialogs.pickedFiles.push_back(dir.path("REPORT.TXT"));
     QTest::mouseClick(results->findChild<QPushButton*>("menuSave"), Qt::LeftButton);
     const std::string saved = varo::testing::readFile(dir.path("REPORT.TXT"));
     EXPECT_EQ(saved.rfind("Predictand: rain.dat\r\nPredictors: mslp.dat\r\n", 0), 0u) << saved;
+    EXPECT_NE(saved.find("\r\nModel Coefficients\r\nPeriod  Constant  mslp.dat  shum.dat\r\n"),
+              std::string::npos)
+        << saved;
+}
+
+TEST_F(GuiFixture, CalibrateResidualPlotChoiceIsShownDisabledUntilChartsCome) {
+    window->goTo(screens::ScreenKey::Calibrate);
+    for (const char* name : {"GraphType0", "GraphType1", "GraphType2", "HistogramCatsText"}) {
+        auto* control = find<QWidget>(name);
+        EXPECT_FALSE(control->isEnabled()) << name;
+        EXPECT_TRUE(control->toolTip().contains("later version")) << name;
+    }
+    EXPECT_TRUE(find<QRadioButton>("GraphType0")->isChecked());
 }

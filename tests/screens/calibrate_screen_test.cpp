@@ -137,8 +137,7 @@ TEST_F(CalibrateFixture, RunChecksComeInTheirOrderAndStopAtTheFirst) {
     screen.parFileText = dir.path("MODEL.PAR");
     EXPECT_EQ(refusal(), "Number of folds cannot be less than 2 or greater than 10.");
     EXPECT_EQ(refusal(), "Histogram catgeories cannot be less than 5 or greater than 100.");
-    EXPECT_EQ(refusal(), "You cannot include autoregression with the stepwise approach.");
-    screen.autoRegressionCheck = false;
+    // Stepwise selection with the lag term is allowed: the question comes next.
     EXPECT_EQ(refusal(), ""); // the question, answered No
     EXPECT_EQ(dialogs.questions.size(), 1u);
     EXPECT_FALSE(fileExists(dir.path("MODEL.PAR")));
@@ -214,4 +213,49 @@ TEST_F(CalibrateFixture, ResetKeepsTheMeanRatios) {
     EXPECT_EQ(screen.meanRatio[3], ratio);
     EXPECT_EQ(screen.parFileText, "*.PAR");
     EXPECT_TRUE(screen.reportText().empty());
+}
+
+// The report's heading, the coefficient table and the stepwise lines follow what the search
+// kept of the lag term (data and numpy's choice in tests/data/calibration/stepwise_lag).
+TEST_F(CalibrateFixture, StepwiseWithTheLagTermReportsWhatItKept) {
+    const std::string lagData = std::string(VARO_TEST_DATA) + "/calibration/stepwise_lag/";
+    state.globalEDate = "30/04/1961";
+    state.globalDays = 120;
+    state.applyStepwise = true;
+    struct Case {
+        std::vector<std::string> predictors;
+        std::string heading;
+        std::vector<std::string> columns;
+        std::string chosen;
+    };
+    const Case cases[] = {
+        {{"a.dat", "dup.dat", "b.dat"},
+         "Predictand: y.dat\nPredictors: a.dat\n            b.dat\nAutoregression\n",
+         {"Constant", "a.dat", "b.dat", "Autoregression"},
+         "Chosen: a.dat, b.dat, Autoregression (criterion 181.999)"},
+        {{"a.dat", "ylag.dat"},
+         "Predictand: y.dat\nPredictors: a.dat\n            ylag.dat\n\n",
+         {"Constant", "a.dat", "ylag.dat"},
+         "Chosen: a.dat, ylag.dat (criterion 179.304)"},
+    };
+    for (const Case& c : cases) {
+        CalibrateScreen screen(state);
+        screen.choosePredictand(lagData + "y.dat");
+        std::vector<std::string> paths;
+        for (const std::string& name : c.predictors) {
+            paths.push_back(lagData + name);
+        }
+        screen.choosePredictors(paths);
+        screen.chooseParFile(dir.path("LAG.PAR"));
+        screen.modelType = CalibrateScreen::Annual;
+        screen.autoRegressionCheck = true;
+        dialogs.answers.push_back(true);
+        ASSERT_EQ(screen.calibrate(dialogs, progress), RunOutcome::Done) << dialogs.lastText();
+        EXPECT_EQ(screen.reportText().rfind(c.heading, 0), 0u) << screen.reportText();
+        ASSERT_EQ(screen.coefficients.size(), 1u);
+        EXPECT_EQ(screen.coefficients[0].columns, c.columns);
+        ASSERT_EQ(screen.stepwiseLines.size(), 2u);
+        EXPECT_EQ(screen.stepwiseLines[1], c.chosen);
+        EXPECT_NE(screen.resultsText().find("\n" + c.chosen + "\n"), std::string::npos);
+    }
 }
