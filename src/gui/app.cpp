@@ -1,5 +1,6 @@
 #include "gui/app.hpp"
 
+#include "gui/charts/chart_screenshots.hpp"
 #include "gui/help_viewer.hpp"
 #include "gui/main_window.hpp"
 #include "gui/settings_widget.hpp"
@@ -23,7 +24,7 @@ bool showNamedScreen(MainWindow& window, const QString& name) {
     if (name == "home") {
         return true;
     }
-    if (name == "help") {
+    if (name == "help" || openSampleChartScreen(window, name)) {
         return true;
     }
     if (name == "settings" || name == "advsettings") {
@@ -41,6 +42,10 @@ bool showNamedScreen(MainWindow& window, const QString& name) {
 bool saveScreenshot(MainWindow& window, const QString& name, const QString& file) {
     window.show();
     QApplication::processEvents();
+    if (QWidget* chart = sampleChartScreen(window, name)) {
+        QApplication::processEvents();
+        return chart->grab().save(file, "PNG");
+    }
     if (name == "advsettings" || name == "help") {
         // The dialogs are shown without waiting, drawn and closed.
         QDialog* dialog = name == "help" ? static_cast<QDialog*>(new HelpViewer(&window))
