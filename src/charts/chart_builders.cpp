@@ -103,6 +103,7 @@ ChartModel residualScatterChart(std::vector<double> fitted, std::vector<double> 
 ChartModel histogramChart(std::vector<std::string> labels, std::vector<double> counts,
                           const core::ProgramState& state) {
     ChartModel chart = defaultChart(ChartScreen::Histogram);
+    chart.xLabelGap = static_cast<int>(std::max<size_t>(1, (labels.size() + 24) / 25));
     chart.categories = std::move(labels);
     Series bars;
     bars.name = "Residuals";
@@ -140,7 +141,7 @@ ChartModel timeSeriesChart(TimeSeriesKind kind, std::string title, std::string y
     chart.series = categorySeries(std::move(series));
     if (kind == TimeSeriesKind::Raw) {
         for (Series& one : chart.series) {
-            one.penWidth = 10;
+            one.penWidth = 15; // daily values: one pixel
         }
     }
     return finished(std::move(chart), state);

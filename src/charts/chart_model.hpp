@@ -59,7 +59,7 @@ struct Series {
     core::Rgb colour;
     std::vector<double> x; // empty on category charts: point i stands on category i
     std::vector<double> y; // NoValue where the data are missing
-    int penWidth = 20;     // tenths of a pixel
+    int penWidth = 20;     // twips (a fifteenth of a pixel at 96 dots per inch)
     bool band = false;     // an edge of the frequency chart's band
 };
 
@@ -98,8 +98,8 @@ struct ChartModel {
     std::vector<Series> series;
     bool legendVisible = true;
     ChartFont font;
-    int dotSize = 100; // frequency chart: dot diameter in tenths of a pixel
-    int lineSize = 20; // frequency chart: line width in tenths of a pixel
+    int dotSize = 100; // frequency chart: dot diameter in twips
+    int lineSize = 20; // frequency chart: line width in twips
 
     // True when the series stand on the categories rather than on x values.
     bool onCategories() const {

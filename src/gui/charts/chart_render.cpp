@@ -6,9 +6,10 @@
 #include <QApplication>
 #include <QBarSeries>
 #include <QBarSet>
+#include <QBuffer>
 #include <QCategoryAxis>
 #include <QChart>
-#include <QFileInfo>
+#include <QFile>
 #include <QFont>
 #include <QFontDatabase>
 #include <QGraphicsLayout>
@@ -16,6 +17,7 @@
 #include <QLegendMarker>
 #include <QLineSeries>
 #include <QPainter>
+#include <QRegularExpression>
 #include <QScatterSeries>
 #include <QSet>
 #include <QSvgGenerator>
@@ -27,18 +29,25 @@ namespace varo::gui {
 namespace {
 
 constexpr double PixelsPerPoint = 96.0 / 72.0;
+constexpr double TwipsPerPixel = 15.0; // at 96 dots per inch
 
 QString qt(const std::string& text) {
     return QString::fromStdString(text);
+}
+
+// Chart and axis titles are rich text: the system's text is shown as it stands, blanks
+// and angle brackets included.
+QString titleText(const std::string& text) {
+    return qt(text).toHtmlEscaped().replace("  ", "&nbsp; ");
 }
 
 QColor colourOf(const core::Rgb& rgb) {
     return QColor(rgb.red, rgb.green, rgb.blue);
 }
 
-// Tenths of a pixel as a pen width (at least a hairline).
-double pixels(int tenths) {
-    return std::max(0.1, tenths / 10.0);
+// A width or size in twips as pixels (at least a hairline).
+double pixels(int twips) {
+    return std::max(0.1, twips / TwipsPerPixel);
 }
 
 QFont fontOf(const charts::ChartFont& font, double extraPoints = 0.0, bool bold = false) {
@@ -62,7 +71,7 @@ int decimalsFor(double step) {
 }
 
 void styleAxis(QAbstractAxis* axis, const charts::Axis& words, const charts::ChartFont& font) {
-    axis->setTitleText(qt(words.title));
+    axis->setTitleText(titleText(words.title));
     axis->setTitleFont(fontOf(font, 1.0, true));
     axis->setLabelsFont(fontOf(font));
     axis->setLabelsVisible(words.labels);
@@ -101,17 +110,21 @@ QCategoryAxis* categoryAxis(const charts::ChartModel& model, int gap) {
     axis->setStartValue(-0.5);
     axis->setLabelsPosition(QCategoryAxis::AxisLabelsPositionOnValue);
     QSet<QString> used;
+    qsizetype characters = 0;
     if (gap > 0 && model.xAxis.labels) {
         for (size_t i = 0; i < model.categories.size(); i += static_cast<size_t>(gap)) {
             if (!model.categories[i].empty()) {
-                axis->append(uniqueLabel(used, qt(model.categories[i])), static_cast<double>(i));
+                const QString label = uniqueLabel(used, qt(model.categories[i]));
+                characters = std::max(characters, label.size());
+                axis->append(label, static_cast<double>(i));
             }
         }
     }
     styleAxis(axis, model.xAxis, model.font);
     axis->setGridLineVisible(false);
-    if (used.size() > 12 || (used.size() > 6 && model.categories.front().size() > 6)) {
-        axis->setLabelsAngle(-45);
+    // Labels that would not fit side by side stand upright rather than be cut short.
+    if (used.size() * characters > 60) {
+        axis->setLabelsAngle(-90);
     }
     return axis;
 }
@@ -128,9 +141,10 @@ void hideFromLegend(QChart* chart, QAbstractSeries* series) {
     }
 }
 
-// A series as line pieces between missing values; only the first piece is in the legend.
+// A series as line pieces between missing values, with dots of `dotDiameter` pixels (none
+// for 0); only the first piece is in the legend.
 void addLine(QChart* chart, const charts::Series& series, QPen pen, QAbstractAxis* x,
-             QAbstractAxis* y, double markerSize) {
+             QAbstractAxis* y, double dotDiameter) {
     bool first = true;
     size_t i = 0;
     while (i < series.y.size()) {
@@ -147,9 +161,9 @@ void addLine(QChart* chart, const charts::Series& series, QPen pen, QAbstractAxi
         line->setName(qt(series.name));
         line->setPen(pen);
         line->setColor(pen.color());
-        if (markerSize > 0.0) {
+        if (dotDiameter > 0.0) {
             line->setPointsVisible(true);
-            line->setMarkerSize(markerSize);
+            line->setMarkerSize(dotDiameter / 2.0); // a line series draws its points by radius
         }
         line->replace(points);
         attach(chart, line, x, y);
@@ -223,11 +237,7 @@ void addFrequency(QChart* chart, const charts::ChartModel& model, QAbstractAxis*
 
 void addSeries(QChart* chart, const charts::ChartModel& model) {
     QAbstractAxis* x = model.onCategories()
-                           ? static_cast<QAbstractAxis*>(categoryAxis(
-                                 model, model.kind == charts::ChartKind::Bars &&
-                                                model.screen == charts::ChartScreen::Result
-                                            ? 1
-                                            : model.xLabelGap))
+                           ? static_cast<QAbstractAxis*>(categoryAxis(model, model.xLabelGap))
                            : valueAxis(model.xAxis, model.font);
     QAbstractAxis* y = valueAxis(model.yAxis, model.font);
     chart->addAxis(x, Qt::AlignBottom);
@@ -269,7 +279,7 @@ QChart* buildChart(const charts::ChartModel& model) {
     chart->setBackgroundRoundness(0);
     chart->setDropShadowEnabled(false);
     chart->setBackgroundBrush(Qt::white);
-    chart->setTitle(qt(model.title));
+    chart->setTitle(titleText(model.title));
     chart->setTitleFont(fontOf(model.font, 3.0, true));
     chart->setTitleBrush(Qt::black);
     chart->legend()->setFont(fontOf(model.font));
@@ -309,9 +319,20 @@ bool writePng(const charts::ChartModel& model, const QString& path, QSize size) 
     return renderChartImage(model, size).save(path, "PNG");
 }
 
+// The generator gives the picture's size in millimetres; a picture asked for in pixels
+// states its size in pixels.
+QByteArray withPixelSize(QByteArray svg, QSize size) {
+    static const QRegularExpression rootSize(R"(<svg width="[^"]*" height="[^"]*")");
+    const QString root =
+        QString(R"(<svg width="%1" height="%2")").arg(size.width()).arg(size.height());
+    return QString::fromUtf8(svg).replace(rootSize, root).toUtf8();
+}
+
 bool writeSvg(const charts::ChartModel& model, const QString& path, QSize size) {
+    QBuffer buffer;
+    buffer.open(QIODevice::WriteOnly);
     QSvgGenerator generator;
-    generator.setFileName(path);
+    generator.setOutputDevice(&buffer);
     generator.setSize(size);
     generator.setViewBox(QRect(QPoint(0, 0), size));
     generator.setResolution(96);
@@ -322,7 +343,12 @@ bool writeSvg(const charts::ChartModel& model, const QString& path, QSize size) 
     }
     painter.fillRect(QRect(QPoint(0, 0), size), Qt::white);
     drawChart(model, painter, size);
-    return painter.end() && QFileInfo(path).size() > 0;
+    if (!painter.end()) {
+        return false;
+    }
+    QFile file(path);
+    const QByteArray svg = withPixelSize(buffer.data(), size);
+    return file.open(QIODevice::WriteOnly) && file.write(svg) == svg.size() && file.flush();
 }
 
 } // namespace

@@ -4,7 +4,7 @@
 //
 // Text is in "Arial" where it is installed and in the metric-compatible "Liberation Sans"
 // otherwise, at pixel sizes, so that a picture is laid out the same on every machine and in
-// both formats. Widths and sizes of the model are tenths of a pixel.
+// both formats. Widths and sizes of the model are in twips, a fifteenth of a pixel.
 #pragma once
 
 #include "charts/chart_export.hpp"
