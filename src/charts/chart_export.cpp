@@ -78,9 +78,10 @@ std::variant<PictureSize, std::string> parsePictureSize(const std::string& text)
 
 std::string temporaryPicturePath(const std::string& path) {
     const std::filesystem::path target(path);
-    return (target.parent_path() /
-            ("." + target.filename().string() + "." + std::to_string(::getpid()) + ".part"))
-        .string();
+    std::string name = ".";
+    name.append(target.filename().string()).append(".").append(std::to_string(::getpid()));
+    name.append(".part");
+    return (target.parent_path() / name).string();
 }
 
 void commitPicture(const std::string& temporary, const std::string& path) {

