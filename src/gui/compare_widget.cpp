@@ -56,8 +56,9 @@ QWidget* CompareWidget::buildFile(size_t which) {
         showRecord();
     });
     if (which == 1) {
+        // Beside the file's name, so that both statistic lists start level.
         auto* clear = namedButton("Clear", "ClearFile2Button", box);
-        layout->addWidget(clear, 0, Qt::AlignLeft);
+        layout->itemAt(layout->count() - 1)->layout()->addWidget(clear);
         connect(clear, &QPushButton::clicked, this, [this] {
             record_.clearFile(1);
             showRecord();

@@ -84,6 +84,7 @@ ChartSettingsDialog::ChartSettingsDialog(screens::Dialogs& dialogs,
     columns->addLayout(right, 1);
     layout->addLayout(columns, 1);
     layout->addLayout(buildButtons());
+    setMinimumWidth(800); // room for a long title, such as a frequency fit's
     showLooks();
 }
 
