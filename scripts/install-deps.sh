@@ -8,6 +8,7 @@ packages=(
   libgtest-dev libgmock-dev libbenchmark-dev
   libeigen3-dev libcli11-dev nlohmann-json3-dev
   qt6-base-dev qt6-charts-dev libqt6opengl6-dev qt6-svg-dev libgl1-mesa-dev
+  # Liberation Sans (fonts-liberation2) stands in for Arial on the charts where Arial is absent.
   fonts-dejavu-core fonts-liberation2
   xvfb xauth hyperfine
   python3-numpy python3-scipy python3-statsmodels python3-pandas
