@@ -9,6 +9,7 @@
 #include <QClipboard>
 #include <QLabel>
 #include <QListWidget>
+#include <QPointer>
 
 using namespace varo;
 using varo::testing::GuiFixture;
@@ -166,4 +167,17 @@ TEST_F(ChartScreenFixture, TheCompareKeyOpensTheScreenWhosePlotOpensTheResultCha
     EXPECT_EQ(shown.series[0].name, "one.txt: Sum");
     EXPECT_EQ(shown.series[1].name, "two.txt: Sum");
     EXPECT_EQ(state.chartKind, 1);
+}
+
+TEST_F(ChartScreenFixture, BackClosesTheChartAndExitAsksTheProgramsQuestion) {
+    QPointer<gui::ChartWindow> chart = open(compareChart());
+    trigger("mnuExit"); // answered No
+    EXPECT_EQ(dialogs.questions, std::vector<std::string>{"Do you really want to exit VARO?"});
+    EXPECT_TRUE(window->isVisible());
+    ASSERT_TRUE(chart);
+    EXPECT_TRUE(chart->isVisible());
+    trigger("mnuBack");
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_TRUE(chart.isNull()) << "a closed chart screen is gone";
+    EXPECT_TRUE(window->isVisible());
 }
