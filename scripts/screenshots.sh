@@ -12,8 +12,11 @@ mkdir -p "$out"
 export QT_QPA_PLATFORM=offscreen
 # A home folder of no one in particular, so that the pictures show no local paths; the
 # screenshot mode reads the settings file there (absent) and writes nothing.
-for screen in intro home quality transform screen calibrate generate stats settings advsettings \
-  screen-results stats-results; do
+# The chart screens open with sample charts; "chart1-settings" shows a chart's settings screen.
+screens=(intro home quality transform screen calibrate generate stats compare settings advsettings
+  screen-results stats-results
+  chart1 chart1-settings scatterchart linechart pdfchart histogram timeserieschart fachart)
+for screen in "${screens[@]}"; do
   if env -u XDG_CONFIG_HOME HOME=/home/you "$gui" --screen "$screen" --screenshot "$out/$screen.png" 2>/dev/null; then
     echo "docs/images/$screen.png"
   fi

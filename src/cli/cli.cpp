@@ -7,7 +7,13 @@
 namespace varo::cli {
 
 int runCli(const std::vector<std::string>& args, std::ostream& out, std::ostream& err) {
+    return runCli(args, out, err, nullptr);
+}
+
+int runCli(const std::vector<std::string>& args, std::ostream& out, std::ostream& err,
+           charts::ChartExporter* chartExporter) {
     CliContext context(out, err);
+    context.chartExporter = chartExporter;
     CommandResult result;
 
     CLI::App app{"VARO: statistical downscaling of daily climate data", "varo"};

@@ -19,6 +19,10 @@ namespace CLI {
 class App;
 }
 
+namespace varo::charts {
+class ChartExporter;
+}
+
 namespace varo::cli {
 
 inline constexpr int ExitDone = 0;
@@ -91,6 +95,8 @@ public:
     std::ostream& err;
     GlobalOptions options;
     core::ProgramState state;
+    // Draws --plot pictures; null in a build without the desktop program.
+    charts::ChartExporter* chartExporter = nullptr;
 
     // Loads the settings file (the default one, or --settings) and applies the --set
     // overrides through the settings screens' checks. Answers 0, or the exit status of a

@@ -45,6 +45,7 @@ void addGenerateCommand(CLI::App& app, CliContext& context, CommandResult& resul
 void addStatsCommand(CLI::App& app, CliContext& context, CommandResult& result);
 void addDemoCommand(CLI::App& app, CliContext& context, CommandResult& result);
 void addCalibrateCommand(CLI::App& app, CliContext& context, CommandResult& result);
+void addCompareCommand(CLI::App& app, CliContext& context, CommandResult& result);
 
 inline void addCommands(CLI::App& app, CliContext& context, CommandResult& result) {
     addSettingsCommand(app, context, result);
@@ -54,6 +55,7 @@ inline void addCommands(CLI::App& app, CliContext& context, CommandResult& resul
     addCalibrateCommand(app, context, result);
     addGenerateCommand(app, context, result);
     addStatsCommand(app, context, result);
+    addCompareCommand(app, context, result);
     addDemoCommand(app, context, result);
 }
 

@@ -1,7 +1,17 @@
 #include "cli/cli.hpp"
 
+#ifdef VARO_CHART_RENDER
+#include "gui/charts/chart_render.hpp"
+#endif
+
 #include <iostream>
 
 int main(int argc, char** argv) {
-    return varo::cli::runCli(std::vector<std::string>(argv + 1, argv + argc), std::cout, std::cerr);
+    const std::vector<std::string> args(argv + 1, argv + argc);
+#ifdef VARO_CHART_RENDER
+    varo::gui::QtChartExporter exporter;
+    return varo::cli::runCli(args, std::cout, std::cerr, &exporter);
+#else
+    return varo::cli::runCli(args, std::cout, std::cerr);
+#endif
 }

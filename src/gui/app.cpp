@@ -1,6 +1,7 @@
 #include "gui/app.hpp"
 
 #include "core/failure.hpp"
+#include "gui/charts/chart_screenshots.hpp"
 #include "gui/help_viewer.hpp"
 #include "gui/main_window.hpp"
 #include "gui/sample_runs.hpp"
@@ -68,7 +69,7 @@ bool showNamedScreen(MainWindow& window, const QString& name) {
     if (name == "home") {
         return true;
     }
-    if (name == "help") {
+    if (name == "help" || openSampleChartScreen(window, name)) {
         return true;
     }
     if (name == "settings" || name == "advsettings") {
@@ -86,6 +87,10 @@ bool showNamedScreen(MainWindow& window, const QString& name) {
 bool saveScreenshot(MainWindow& window, const QString& name, const QString& file) {
     window.show();
     QApplication::processEvents();
+    if (QWidget* chart = sampleChartScreen(window, name)) {
+        QApplication::processEvents();
+        return chart->grab().save(file, "PNG");
+    }
     if (name == "advsettings" || name == "help") {
         // The dialogs are shown without waiting, drawn and closed.
         QDialog* dialog = name == "help" ? static_cast<QDialog*>(new HelpViewer(&window))

@@ -11,8 +11,9 @@ class MainWindow;
 
 int runDesktop(QApplication& app);
 
-// Shows the screen named by a toolbar short name ("quality", "calibrate", ...) or one of
-// "intro", "home", "settings", "advsettings", "help"; false when there is no such screen.
+// Shows the screen named by a toolbar short name ("quality", "calibrate", ...), one of
+// "intro", "home", "settings", "advsettings", "help", or a chart screen with its sample
+// chart ("chart1", ..., "chart1-settings", ...); false when there is no such screen.
 bool showNamedScreen(MainWindow& window, const QString& name);
 
 // Renders the window (or the advanced settings dialog) to a PNG file.

@@ -44,6 +44,7 @@ public:
     QAction* toolbarAction(screens::ScreenKey key) const { return keys_.at(key); }
     bool screenAvailable(screens::ScreenKey key) const;
     screens::Dialogs& dialogs() { return *dialogs_; }
+    core::ProgramState& state() { return state_; }
     RunHost& runs() { return *runs_; }
 
 protected:

@@ -2,6 +2,7 @@
 
 #include "gui/analyse_widget.hpp"
 #include "gui/calibrate_widget.hpp"
+#include "gui/compare_widget.hpp"
 #include "gui/quality_widget.hpp"
 #include "gui/screen_vars_widget.hpp"
 #include "gui/synthesize_widget.hpp"
@@ -19,6 +20,7 @@ const std::map<screens::ScreenKey, ScreenFactory>& screenFactories() {
         {ScreenKey::WeatherGen,
          [](ScreenContext& context) { return new SynthesizeWidget(context); }},
         {ScreenKey::AnalyseData, [](ScreenContext& context) { return new AnalyseWidget(context); }},
+        {ScreenKey::Compare, [](ScreenContext& context) { return new CompareWidget(context); }},
     };
     return factories;
 }
