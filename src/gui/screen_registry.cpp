@@ -34,6 +34,7 @@ QString helpSection(screens::ScreenKey key) {
         {ScreenKey::Calibrate, "Calibration"},
         {ScreenKey::WeatherGen, "Weather generator"},
         {ScreenKey::AnalyseData, "Summary statistics"},
+        {ScreenKey::Compare, "Compare results"},
     };
     const auto found = sections.find(key);
     return found == sections.end() ? QString() : found->second;
