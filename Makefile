@@ -2,7 +2,9 @@
 JOBS ?= $(shell nproc)
 DEMO_DIR ?= demo-output
 
-.PHONY: deps build release test demo bench format clean
+FUZZ_SECONDS ?= 60
+
+.PHONY: deps build release test demo bench fuzz format clean
 
 deps:
 	./scripts/install-deps.sh
@@ -28,6 +30,12 @@ demo: deps
 
 bench: release
 	./bench/run-all.sh build/release
+
+# The libFuzzer targets of the file readers, FUZZ_SECONDS each; not part of `make test`.
+fuzz: deps
+	cmake --preset fuzz >/dev/null
+	cmake --build --preset fuzz -j $(JOBS)
+	./scripts/run-fuzzers.sh build/fuzz $(FUZZ_SECONDS)
 
 format:
 	find src tests bench -name '*.cpp' -o -name '*.hpp' | xargs clang-format -i

@@ -9,6 +9,7 @@ packages=(
   libeigen3-dev libcli11-dev nlohmann-json3-dev
   qt6-base-dev qt6-charts-dev libqt6opengl6-dev qt6-svg-dev libgl1-mesa-dev
   fonts-dejavu-core fonts-liberation2
+  clang libclang-rt-14-dev
   xvfb xauth hyperfine
   python3-numpy python3-scipy python3-statsmodels python3-pandas
 )

@@ -1,13 +1,17 @@
 #include "robustness/base_set.hpp"
 
 #include "robustness/case_runner.hpp"
+#include "robustness/mutations.hpp"
 #include "sampledata/sample_data.hpp"
 
+#include <fcntl.h>
 #include <filesystem>
 #include <fstream>
-#include <memory>
 #include <sstream>
 #include <stdexcept>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace varo::robustness {
 
@@ -61,28 +65,32 @@ void runStep(const std::string& folder, std::vector<std::string> arguments) {
     }
 }
 
-struct BaseHolder {
-    BaseSet set;
-    ~BaseHolder() {
-        if (std::getenv("VARO_ROBUSTNESS_KEEP") == nullptr) {
-            std::error_code error;
-            fs::remove_all(set.folder, error);
+// Holds an exclusive lock on a file while it lives.
+class FileLock {
+public:
+    explicit FileLock(const std::string& path)
+        : fd_(::open(path.c_str(), O_CREAT | O_RDWR | O_CLOEXEC, 0644)) {
+        if (fd_ < 0 || ::flock(fd_, LOCK_EX) != 0) {
+            throw std::runtime_error("cannot lock " + path);
         }
     }
+    ~FileLock() { ::close(fd_); }
+    FileLock(const FileLock&) = delete;
+    FileLock& operator=(const FileLock&) = delete;
+
+private:
+    int fd_;
 };
 
-std::unique_ptr<BaseHolder> makeBase() {
-    auto holder = std::make_unique<BaseHolder>();
-    BaseSet& base = holder->set;
-    base.folder = makeTemporaryFolder("varo-robustness-base-");
+// The sample data of 1961 and 1962 (the climate model's to 1970), two models calibrated on
+// them, a run of the temperature model and its statistics.
+void makeBase(const std::string& folder) {
+    fs::create_directories(folder);
     sampledata::SampleOptions options;
     options.lastYear = 1962;
     options.futureLastYear = 1970;
-    const auto files = sampledata::writeSampleData(base.folder, options);
-    base.days = files.days;
-    base.futureDays = files.futureDays;
-    base.settings = BaseSettings;
-    std::ofstream(base.folder + "/VARO.INI", std::ios::binary) << base.settings;
+    sampledata::writeSampleData(folder, options);
+    std::ofstream(folder + "/VARO.INI", std::ios::binary) << BaseSettings;
 
     const std::vector<std::string> fit{"--start", "01/01/1961", "--end", "31/12/1962"};
     std::vector<std::string> temperature{"calibrate", "tmax.dat"};
@@ -91,39 +99,76 @@ std::unique_ptr<BaseHolder> makeBase() {
     }
     temperature.insert(temperature.end(), {"-o", "tmax.PAR"});
     temperature.insert(temperature.end(), fit.begin(), fit.end());
-    runStep(base.folder, temperature);
+    runStep(folder, temperature);
     std::vector<std::string> rain{"--set", "ModelTransformation=2", "calibrate", "precip.dat"};
     for (const char* name : PrecipitationPredictors) {
         rain.push_back(std::string("predictors/") + name);
     }
     rain.insert(rain.end(), {"-o", "precip.PAR", "--process", "conditional"});
     rain.insert(rain.end(), fit.begin(), fit.end());
-    runStep(base.folder, rain);
-    runStep(base.folder,
-            {"generate", "tmax.PAR", "--predictors", "predictors", "-o", "tmax.OUT", "--start",
-             "01/01/1961", "--days", std::to_string(base.days), "--ensemble", "5"});
+    runStep(folder, rain);
+    runStep(folder, {"generate", "tmax.PAR", "--predictors", "predictors", "-o", "tmax.OUT",
+                     "--start", "01/01/1961", "--days", "730", "--ensemble", "5"});
     std::vector<std::string> stats{"stats", "tmax.OUT",       "-o", "results.txt", "--stats",
                                    "Mean",  "--ensemble-mean"};
     stats.insert(stats.end(), fit.begin(), fit.end());
-    runStep(base.folder, stats);
+    runStep(folder, stats);
+}
 
-    base.precipitation = readText(files.precipitation);
-    base.temperature = readText(files.maximumTemperature);
-    base.predictors = folderTexts(files.predictorFolder);
-    base.futurePredictors = folderTexts(files.futureFolder);
-    base.temperatureModel = readText(base.folder + "/tmax.PAR");
-    base.precipitationModel = readText(base.folder + "/precip.PAR");
-    base.outFile = readText(base.folder + "/tmax.OUT");
-    base.simFile = readText(base.folder + "/tmax.SIM");
-    base.results = readText(base.folder + "/results.txt");
-    return holder;
+BaseSet readBase(const std::string& folder) {
+    BaseSet base;
+    base.folder = folder;
+    base.settings = BaseSettings;
+    base.precipitation = readText(folder + "/precip.dat");
+    base.temperature = readText(folder + "/tmax.dat");
+    base.predictors = folderTexts(folder + "/predictors");
+    base.futurePredictors = folderTexts(folder + "/future");
+    base.temperatureModel = readText(folder + "/tmax.PAR");
+    base.precipitationModel = readText(folder + "/precip.PAR");
+    base.outFile = readText(folder + "/tmax.OUT");
+    base.simFile = readText(folder + "/tmax.SIM");
+    base.results = readText(folder + "/results.txt");
+    base.days = lineCount(base.precipitation);
+    base.futureDays = lineCount(base.futurePredictors.at("temp.dat"));
+    return base;
+}
+
+// What the base set is made by: the program under test and this test program (which holds
+// the sample data's generator). A change of either makes the set anew.
+std::string makerKey() {
+    std::string key;
+    for (const std::string& path : {varoProgram(), std::string("/proc/self/exe")}) {
+        struct stat info {};
+        ::stat(path.c_str(), &info);
+        key += std::to_string(info.st_mtim.tv_sec) + "." + std::to_string(info.st_mtim.tv_nsec) +
+               "-" + std::to_string(info.st_size) + "-";
+    }
+    return key;
+}
+
+// The base set is made once for all the test processes of a build, in the build tree.
+BaseSet cachedBase() {
+    const fs::path home = fs::path(VARO_BINARY_DIR) / "tests" / "robustness";
+    fs::create_directories(home);
+    const FileLock lock((home / "base-set.lock").string());
+    const fs::path folder = home / ("base-set-" + makerKey());
+    if (!fs::exists(folder / "complete")) {
+        for (const auto& entry : fs::directory_iterator(home)) {
+            if (entry.path().filename().string().rfind("base-set-", 0) == 0) {
+                fs::remove_all(entry.path());
+            }
+        }
+        makeBase(folder.string());
+        std::ofstream(folder / "complete") << "made\n";
+    }
+    return readBase(folder.string());
 }
 
 } // namespace
 
 const BaseSet& baseSet() {
-    static const std::unique_ptr<BaseHolder> holder = makeBase();
-    return holder->set;
+    static const BaseSet base = cachedBase();
+    return base;
 }
 
 } // namespace varo::robustness

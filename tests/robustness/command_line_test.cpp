@@ -20,8 +20,8 @@ Case commandCase(CaseRunner& runner, const std::string& name) {
     c.write("data.dat", base.precipitation);
     c.write("tmax.dat", base.temperature);
     c.write("temp.dat", base.predictors.at("temp.dat"));
-    for (const auto& [file, text] : base.predictors) {
-        c.write("predictors/" + file, text);
+    for (const char* name : TemperaturePredictors) {
+        c.write(std::string("predictors/") + name, base.predictors.at(name));
     }
     c.write("model.PAR", base.temperatureModel);
     c.write("run.OUT", base.outFile);
@@ -80,9 +80,9 @@ std::vector<Line> dateLines(const std::string& date) {
 
 TEST(Robustness, Dates) {
     CaseRunner runner("dates");
-    for (const std::string date :
-         {"31/02/1961", "00/01/1961", "01/13/1961", "99/99/99999", "", "01/01/1961x", "x",
-          "01/01/-1", "\x01\x02", "1961-01-01", std::string(4096, '1').c_str()}) {
+    for (const std::string& date : std::vector<std::string>{
+             "31/02/1961", "00/01/1961", "01/13/1961", "99/99/99999", "", "01/01/1961x", "x",
+             "01/01/-1", "\x01\x02", "1961-01-01", std::string(4096, '1')}) {
         runLines(runner, dateLines(date));
     }
     const std::vector<std::string> stats{"stats",       "data.dat", "-o",

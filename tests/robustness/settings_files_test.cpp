@@ -59,7 +59,7 @@ void settingsFile(Case& c, const std::string& text) {
 std::vector<SettingsEdit> settingsEdits() {
     const auto file = [](std::string text) { return [text](Case& c) { settingsFile(c, text); }; };
     const std::string& base = baseSet().settings;
-    const std::string mib(1 << 20, '7');
+    const std::string longText(256 << 10, '7');
     return {
         {"threshold a word", file(replacing("Thresh", "abc")), true},
         {"threshold 1e999", file(replacing("Thresh", "1e999")), true},
@@ -75,8 +75,8 @@ std::vector<SettingsEdit> settingsEdits() {
                      "ModelTransformation=99\r\nOptimisationChoice=-5\r\nConditionalSelection="
                      "\x01\r\nApplyStepwise=Maybe\r\n"),
          true},
-        {"a 1 MiB value", file(replacing("Thresh", mib)), true, "", Known::Memory},
-        {"a 1 MiB line without a key", file(base + mib + "\r\n"), true, "", Known::Memory},
+        {"a 256 KiB value", file(replacing("Thresh", longText)), true, "", Known::Memory},
+        {"a 256 KiB line without a key", file(base + longText + "\r\n"), true, "", Known::Memory},
         {"control bytes in a value", file(replacing("DefaultDir", "\x01\x1b[2J")), true},
         {"no section header", file(base.substr(base.find('\n') + 1))},
         {"two sections", file(base + "[VARO]\r\nGlobalEDate=31/12/1999\r\n"), true},
@@ -101,8 +101,8 @@ std::vector<SettingsEdit> settingsEdits() {
          },
          true},
         {"redirected to itself", file(base + "INIFile=VARO.INI\r\n"), true},
-        {"redirected to a 1 MiB path", file(base + "INIFile=" + std::string(1 << 20, 'p') + "\r\n"),
-         true},
+        {"redirected to a 256 KiB path",
+         file(base + "INIFile=" + std::string(256 << 10, 'p') + "\r\n"), true},
         {"byte-order mark", file(ByteOrderMark + base), true, "", Known::Quoting},
         {"a folder",
          [](Case& c) {
@@ -218,8 +218,8 @@ TEST(Robustness, SettingsFilesWritten) {
          Expect::Either,
          {},
          Known::Quoting},
-        {"set with a 1 MiB line",
-         file(base.settings + std::string(1 << 20, 'k') + "\r\n"),
+        {"set with a 256 KiB line",
+         file(base.settings + std::string(256 << 10, 'k') + "\r\n"),
          set,
          Expect::Either,
          {},
