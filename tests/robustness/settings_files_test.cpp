@@ -66,6 +66,7 @@ std::vector<SettingsEdit> settingsEdits() {
         {"year length 999", file(replacing("YearIndicator", "999")), true},
         {"year length a word", file(replacing("YearIndicator", "leap")), true},
         {"year length empty", file(replacing("YearIndicator", "")), true},
+        {"year length 1e999", file(replacing("YearIndicator", "1e999")), true},
         {"start date 31/02/1961", file(replacing("GlobalSDate", "31/02/1961")), true},
         {"end date 99/99/9999", file(replacing("GlobalEDate", "99/99/9999"))},
         {"start after end", file(replacing("GlobalSDate", "01/01/2000")), true},
