@@ -82,13 +82,13 @@ private:
     int fd_;
 };
 
-// The sample data of 1961 and 1962 (the climate model's to 1970), two models calibrated on
-// them, a run of the temperature model and its statistics.
+// The sample data of 1961 and 1962, two models calibrated on them, a run of the temperature
+// model and its statistics.
 void makeBase(const std::string& folder) {
     fs::create_directories(folder);
     sampledata::SampleOptions options;
     options.lastYear = 1962;
-    options.futureLastYear = 1970;
+    options.futureLastYear = 1961; // the climate model's files are not used
     sampledata::writeSampleData(folder, options);
     std::ofstream(folder + "/VARO.INI", std::ios::binary) << BaseSettings;
 
@@ -122,14 +122,12 @@ BaseSet readBase(const std::string& folder) {
     base.precipitation = readText(folder + "/precip.dat");
     base.temperature = readText(folder + "/tmax.dat");
     base.predictors = folderTexts(folder + "/predictors");
-    base.futurePredictors = folderTexts(folder + "/future");
     base.temperatureModel = readText(folder + "/tmax.PAR");
     base.precipitationModel = readText(folder + "/precip.PAR");
     base.outFile = readText(folder + "/tmax.OUT");
     base.simFile = readText(folder + "/tmax.SIM");
     base.results = readText(folder + "/results.txt");
     base.days = lineCount(base.precipitation);
-    base.futureDays = lineCount(base.futurePredictors.at("temp.dat"));
     return base;
 }
 

@@ -1,4 +1,4 @@
-// The valid inputs that every hostile case starts from, made once per test process: the
+// The valid inputs that every hostile case starts from, made once per build: the
 // bundled sample data cut to two observed years, models calibrated on them, a run of the
 // weather generator and its statistics, each made by the real program. Cases copy the
 // texts into their own folders and change them there.
@@ -12,12 +12,10 @@ namespace varo::robustness {
 struct BaseSet {
     std::string folder;
     long days = 0;             // rows of the observed files, 01/01/1961 to 31/12/1962
-    long futureDays = 0;       // rows of the climate model's files, 360-day years 1961 to 1970
     std::string settings;      // the private settings file of every case
     std::string precipitation; // precip.dat
     std::string temperature;   // tmax.dat
-    std::map<std::string, std::string> predictors;       // observed, by file name
-    std::map<std::string, std::string> futurePredictors; // the climate model's
+    std::map<std::string, std::string> predictors; // observed, by file name
     std::string temperatureModel;   // tmax.PAR: unconditional, on temp, p500 and r850
     std::string precipitationModel; // precip.PAR: conditional with fourth-root amounts
     std::string outFile;            // tmax.OUT, 5 members over the observed years

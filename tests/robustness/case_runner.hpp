@@ -89,7 +89,6 @@ public:
     // One test failure listing every case that broke the rule, and a list of those that
     // fail for a known cause.
     void report() const;
-    int count() const { return count_; }
 
 private:
     std::vector<std::string> problemsOf(const Case& c, const ChildResult& result,

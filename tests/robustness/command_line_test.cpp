@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <functional>
 #include <gtest/gtest.h>
+#include <vector>
 
 using namespace varo::robustness;
 
@@ -80,10 +81,20 @@ std::vector<Line> dateLines(const std::string& date) {
 
 TEST(Robustness, Dates) {
     CaseRunner runner("dates");
-    for (const std::string& date : std::vector<std::string>{
-             "31/02/1961", "00/01/1961", "01/13/1961", "99/99/99999", "", "01/01/1961x", "x",
-             "01/01/-1", "\x01\x02", "1961-01-01", std::string(4096, '1')}) {
+    // A few dates through every command that takes one, the rest through three.
+    for (const std::string& date :
+         std::vector<std::string>{"31/02/1961", "", "\x01\x02", std::string(4096, '1')}) {
         runLines(runner, dateLines(date));
+    }
+    for (const std::string& date :
+         std::vector<std::string>{"00/01/1961", "01/13/1961", "99/99/99999", "01/01/1961x", "x",
+                                  "01/01/-1", "1961-01-01"}) {
+        auto lines = dateLines(date);
+        std::erase_if(lines, [](const Line& line) {
+            return line.arguments.front() == "calibrate" || line.arguments.front() == "screen" ||
+                   line.arguments.front() == "--set";
+        });
+        runLines(runner, lines);
     }
     const std::vector<std::string> stats{"stats",       "data.dat", "-o",
                                          "results.txt", "--stats",  "Mean"};

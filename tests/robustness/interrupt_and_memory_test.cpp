@@ -202,7 +202,7 @@ TEST(Robustness, Memory) {
             c.mentions = {hog.mention};
         }
         c.addressSpace = 512ULL << 20;
-        c.timeLimit = std::chrono::seconds(10);
+        c.timeLimit = std::chrono::seconds(6);
         c.residentLimitKiB = hog.bounded ? bound : 0;
         c.known = Known::Memory;
         runner.run(c);

@@ -43,11 +43,19 @@ std::vector<std::string> showsFileValues(const ChildResult& result) {
     return {};
 }
 
+// Either the file's values are in force or a warning names the file as ignored.
+std::vector<std::string> valuesOrWarning(const ChildResult& result) {
+    if (result.err.find("VARO.INI") != std::string::npos) {
+        return {};
+    }
+    return showsFileValues(result);
+}
+
 struct SettingsEdit {
     std::string name;
     std::function<void(Case&)> make; // writes or replaces VARO.INI (and other files)
     bool valuesRead = false;         // the file's own end date is in force
-    std::string warning;             // a text the warning must hold
+    std::string warning;             // a text the warning must hold (or, with valuesRead, may hold)
     Known known = Known::None;
     bool unprivileged = false;
 };
@@ -104,7 +112,8 @@ std::vector<SettingsEdit> settingsEdits() {
         {"redirected to itself", file(base + "INIFile=VARO.INI\r\n"), true},
         {"redirected to a 256 KiB path",
          file(base + "INIFile=" + std::string(256 << 10, 'p') + "\r\n"), true},
-        {"byte-order mark", file(ByteOrderMark + base), true, "", Known::Quoting},
+        // Either the mark is skipped or the file is named in a warning as ignored.
+        {"byte-order mark", file(ByteOrderMark + base), true, "VARO.INI", Known::Quoting},
         {"a folder",
          [](Case& c) {
              std::filesystem::remove(c.path("VARO.INI"));
@@ -126,6 +135,10 @@ TEST(Robustness, SettingsFilesRead) {
     CaseRunner runner("settings-read");
     for (const SettingsEdit& edit : settingsEdits()) {
         for (const std::string command : {"settings show", "qc"}) {
+            // A run of a command after the start matters where the file is not read as such.
+            if (command == "qc" && edit.valuesRead && edit.warning.empty()) {
+                continue;
+            }
             Case c = runner.start(edit.name + " / " + command, base.settings);
             c.write("data.dat", base.precipitation);
             edit.make(c);
@@ -134,11 +147,10 @@ TEST(Robustness, SettingsFilesRead) {
             c.expect = Expect::Accepted;
             c.unprivileged = edit.unprivileged;
             c.known = edit.known;
-            if (!edit.warning.empty()) {
-                c.mentions = {edit.warning};
-            }
             if (edit.valuesRead && command != "qc") {
-                c.check = showsFileValues;
+                c.check = edit.warning.empty() ? showsFileValues : valuesOrWarning;
+            } else if (!edit.valuesRead && !edit.warning.empty()) {
+                c.mentions = {edit.warning};
             }
             runner.run(c);
         }
