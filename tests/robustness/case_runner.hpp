@@ -103,7 +103,7 @@ private:
     std::vector<std::pair<double, std::string>> seconds_; // each case's run time
 };
 
-// The program under test.
+// The program under test: the build's own, or the one VARO_ROBUSTNESS_PROGRAM names.
 std::string varoProgram();
 // True when the program is built with the address sanitizer, which cannot run under an
 // address-space limit.
