@@ -3,7 +3,9 @@ JOBS ?= $(shell nproc)
 DEMO_DIR ?= demo-output
 PREFIX ?= $(HOME)/.local
 
-.PHONY: deps build release test demo install bench format clean
+FUZZ_SECONDS ?= 60
+
+.PHONY: deps build release test demo install bench fuzz format clean
 
 deps:
 	./scripts/install-deps.sh
@@ -37,6 +39,12 @@ install: deps
 
 bench: release
 	./bench/run-all.sh build/release
+
+# The libFuzzer targets of the file readers, FUZZ_SECONDS each; not part of `make test`.
+fuzz: deps
+	cmake --preset fuzz >/dev/null
+	cmake --build --preset fuzz -j $(JOBS)
+	./scripts/run-fuzzers.sh build/fuzz $(FUZZ_SECONDS)
 
 format:
 	find src tests bench -name '*.cpp' -o -name '*.hpp' | xargs clang-format -i

@@ -12,6 +12,7 @@ packages=(
   # The chart screens ask for "Arial"; Liberation Sans (fonts-liberation2) has the same
   # metrics and stands in for it, so charts keep their layout without the original font.
   fonts-dejavu-core fonts-liberation2
+  clang libclang-rt-14-dev
   xvfb xauth hyperfine
   python3-numpy python3-scipy python3-statsmodels python3-pandas
 )
