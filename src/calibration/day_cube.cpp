@@ -1,6 +1,7 @@
 #include "calibration/day_cube.hpp"
 
 #include "core/failure.hpp"
+#include "core/number_format.hpp"
 #include "core/numeric_text.hpp"
 #include "core/progress.hpp"
 #include "core/record_calendar.hpp"
@@ -147,14 +148,28 @@ DayCube readDayCube(const core::ProgramState& state, const CalibrationData& data
         progress.report(std::min(daysRead, data.fitDays), data.fitDays, Reading);
         progress.throwIfStopped();
     };
-    // The first full day opens the first section of its group.
-    for (;;) {
-        yield();
-        ++daysRead;
-        if (readDay()) {
-            break;
+    // The first full day opens the first section of its group. The search goes on past the
+    // fit end; when the data end first, that is what the person must hear, not only which
+    // file ended.
+    try {
+        for (;;) {
+            yield();
+            ++daysRead;
+            if (readDay()) {
+                break;
+            }
+            position.stepDay();
         }
-        position.stepDay();
+    } catch (const core::Failure& failure) {
+        if (failure.number() != core::failure::InputPastEnd) {
+            throw;
+        }
+        throw core::Failure(failure.number(),
+                            "No day from the fit start " + core::formatDate(data.fitStart) +
+                                " on has a value in every file: each has the missing value code " +
+                                core::generalText(missing) +
+                                " in the predictand or a predictor, up to the end of the data. " +
+                                failure.description());
     }
     int lastGroup = groupOfMonth(data.modelType, position.month());
     cube.store(lastGroup, day, true);

@@ -1,10 +1,50 @@
 #include "cli/cli.hpp"
 
 #include "cli/commands.hpp"
+#include "core/failure.hpp"
+#include "core/quoted_text.hpp"
 
 #include <algorithm>
+#include <new>
+#include <optional>
 
 namespace varo::cli {
+
+namespace {
+
+// The global options that take a value in the next word.
+bool takesValue(const std::string& option) {
+    return option == "--settings" || option == "--set";
+}
+
+// The first word of the line that is neither an option nor an option's value, when it
+// names no command. The parser would only say that a command is required.
+std::optional<std::string> unknownCommand(CLI::App& app, const std::vector<std::string>& args) {
+    for (size_t i = 0; i < args.size(); ++i) {
+        const std::string& word = args[i];
+        if (!word.empty() && word.front() == '-') {
+            i += takesValue(word) ? 1 : 0;
+            continue;
+        }
+        for (const CLI::App* command : app.get_subcommands({})) {
+            if (command->check_name(word)) {
+                return std::nullopt;
+            }
+        }
+        return word;
+    }
+    return std::nullopt;
+}
+
+std::string commandNames(CLI::App& app) {
+    std::string names;
+    for (const CLI::App* command : app.get_subcommands({})) {
+        names += (names.empty() ? "" : ", ") + command->get_name();
+    }
+    return names;
+}
+
+} // namespace
 
 int runCli(const std::vector<std::string>& args, std::ostream& out, std::ostream& err) {
     CliContext context(out, err);
@@ -30,6 +70,11 @@ int runCli(const std::vector<std::string>& args, std::ostream& out, std::ostream
     app.add_flag("--yes", context.options.yes, "Answer Yes to every question");
     addCommands(app, context, result);
 
+    if (const auto unknown = unknownCommand(app, args)) {
+        err << "Unknown command " << core::quotedInput(*unknown) << ". The commands are: "
+            << commandNames(app) << ".\nRun with --help for more information.\n";
+        return ExitRefused;
+    }
     std::vector<std::string> reversed(args.rbegin(), args.rend());
     try {
         const InterruptGuard interrupts;
@@ -37,8 +82,19 @@ int runCli(const std::vector<std::string>& args, std::ostream& out, std::ostream
     } catch (const CLI::ParseError& error) {
         const int code = app.exit(error, out, err);
         return code == 0 ? ExitDone : ExitRefused;
+    } catch (const std::bad_alloc&) {
+        // Runs catch this themselves; this is the last line for what runs outside them.
+        context.progress().finish();
+        context.dialogs().error(
+            core::reportFailureText(core::failure::OutOfMemory, screens::OutOfMemoryText));
+        return ExitFailed;
     }
     context.progress().finish();
+    // A run that showed an error box did not end as it should have, even when it went on
+    // to the end (a cross validation that could not be computed, a save that failed).
+    if (result.exitCode == ExitDone && context.dialogs().errorShown()) {
+        return ExitFailed;
+    }
     return result.exitCode;
 }
 

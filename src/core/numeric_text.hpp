@@ -6,8 +6,21 @@
 
 namespace varo::core {
 
+// How a piece of text reads as one decimal number.
+enum class DecimalParse {
+    Number,     // a number; one too small for a double reads as 0
+    NotNumber,  // not a number at all, or a number with something after it
+    OutOfRange, // a number too large for a double (1e999, a thousand digits)
+};
+
+// The whole text as a decimal number: an optional sign, digits with at most one decimal
+// point (at least one digit), an optional exponent, nothing else. `value` is set only for
+// `DecimalParse::Number`.
+DecimalParse parseDecimal(std::string_view text, double& value);
+
 // Optional blanks, an optional sign, digits with at most one decimal point (at least one
-// digit), an optional exponent, optional blanks. Empty text is not a number.
+// digit), an optional exponent, optional blanks, and a magnitude a double holds. Empty text
+// is not a number.
 bool isNumeric(std::string_view text);
 
 // The longest numeric prefix after leading blanks, or 0 when there is none ("12abc" is 12).

@@ -8,6 +8,7 @@
 #include "calibration/stepwise.hpp"
 #include "core/dates.hpp"
 #include "core/numeric_text.hpp"
+#include "core/output_paths.hpp"
 #include "core/record_calendar.hpp"
 #include "core/series_file.hpp"
 
@@ -225,6 +226,12 @@ bool CalibrateScreen::checkInputs(Dialogs& dialogs) {
     return true;
 }
 
+std::vector<std::string> CalibrateScreen::inputPaths() const {
+    std::vector<std::string> paths{predictandPath};
+    paths.insert(paths.end(), selectedPredictors.begin(), selectedPredictors.end());
+    return paths;
+}
+
 calibration::CalibrationRequest CalibrateScreen::request() const {
     calibration::CalibrationRequest r;
     r.data.predictandPath = predictandPath;
@@ -250,6 +257,10 @@ RunOutcome CalibrateScreen::calibrate(Dialogs& dialogs, core::Progress& progress
     report.reset();
     silentStopReason.clear();
     if (!checkInputs(dialogs)) {
+        return RunOutcome::Refused;
+    }
+    if (const auto refusal = core::outputOverInput({parFileText}, inputPaths())) {
+        dialogs.error(*refusal);
         return RunOutcome::Refused;
     }
     if (state_.applyStepwise && !dialogs.askYesNo("Cancel?", StepwiseQuestion, Icon::Question)) {

@@ -2,6 +2,8 @@
 
 #include "core/failure.hpp"
 
+#include <new>
+
 namespace varo::screens {
 
 RunOutcome guardedRun(Dialogs& dialogs, const std::function<RunOutcome()>& body,
@@ -19,6 +21,10 @@ RunOutcome guardedRun(Dialogs& dialogs, const std::function<RunOutcome()>& body,
     } catch (const core::Cancelled&) {
         cleanup();
         return RunOutcome::Cancelled;
+    } catch (const std::bad_alloc&) {
+        dialogs.error(core::reportFailureText(core::failure::OutOfMemory, OutOfMemoryText));
+        cleanup();
+        return RunOutcome::Failed;
     }
 }
 

@@ -15,10 +15,14 @@ enum class RunOutcome {
     Cancelled, // the person confirmed a cancel
 };
 
+inline constexpr std::string_view OutOfMemoryText =
+    "There is not enough memory to finish this run. What it had written stays as it is.";
+
 // Runs `body`. A `core::Failure` shows the failure box (title "Error Message", the text of
 // `reportFailureText`), a `core::RunStopped` shows its message in an "Error Message" box,
-// and a `core::Cancelled` shows nothing; each of these then runs `cleanup`. The body's
-// own outcome is returned when it ends normally.
+// running out of memory shows the failure box of failure 7 with `OutOfMemoryText`, and a
+// `core::Cancelled` shows nothing; each of these then runs `cleanup`. The body's own
+// outcome is returned when it ends normally.
 RunOutcome guardedRun(Dialogs& dialogs, const std::function<RunOutcome()>& body,
                       const std::function<void()>& cleanup);
 

@@ -3,8 +3,29 @@
 #include "core/failure.hpp"
 #include "core/number_format.hpp"
 #include "core/numeric_text.hpp"
+#include "core/quoted_text.hpp"
 
 namespace varo::weathergen {
+
+namespace {
+
+// A parameter row where a predictor's file name should stand: the header's count is
+// larger than the list of names. Every row holds at least a constant, a standard error and
+// R squared.
+bool looksLikeRow(std::string_view text) {
+    int numbers = 0;
+    while (!(text = core::trimBlanks(text)).empty()) {
+        const std::string_view token = text.substr(0, text.find_first_of(" \t"));
+        if (!core::isNumeric(token)) {
+            return false;
+        }
+        ++numbers;
+        text.remove_prefix(token.size());
+    }
+    return numbers >= 3;
+}
+
+} // namespace
 
 ParameterFileReader::ParameterFileReader(const std::string& path) : path_(path), file_(path) {}
 
@@ -24,7 +45,7 @@ std::string ParameterFileReader::nextLine() {
 }
 
 void ParameterFileReader::fail(const std::string& text, const std::string& problem) const {
-    throw core::Failure(core::failure::TypeMismatch, "'" + text + "' on line " +
+    throw core::Failure(core::failure::TypeMismatch, core::quotedInput(text) + " on line " +
                                                          std::to_string(line_) + " of '" + path_ +
                                                          "' is not " + problem + ".");
 }
@@ -88,29 +109,43 @@ ParameterHeader ParameterFileReader::readHeader() {
     header.predictandName = word;
     for (int i = 0; i < header.predictorCount; ++i) {
         header.predictorNames.emplace_back(core::trimBlanks(nextLine()));
+        if (looksLikeRow(header.predictorNames.back())) {
+            throw core::Failure(
+                core::failure::TypeMismatch,
+                "Line " + std::to_string(line_) + " of '" + path_ + "' should name predictor " +
+                    std::to_string(i + 1) + " of the " + std::to_string(header.predictorCount) +
+                    " that line 1 counts, but holds numbers: the predictor count and the names "
+                    "listed after the predictand disagree.");
+        }
     }
     return header;
 }
 
-std::vector<double> ParameterFileReader::zoneFields(const std::string& line, int count) const {
-    std::vector<double> values;
-    values.reserve(static_cast<size_t>(count));
+std::vector<double> ParameterFileReader::zoneFields(const std::string& line, int count,
+                                                    int predictorCount) const {
+    const auto refuse = [&](const std::string& where, const std::string& problem) {
+        throw core::Failure(core::failure::TypeMismatch,
+                            where + " of line " + std::to_string(line_) + " of '" + path_ + "' " +
+                                problem + "; with the " + std::to_string(predictorCount) +
+                                " predictors that line 1 counts, the row holds " +
+                                std::to_string(count) + " values in 14-character columns.");
+    };
+    std::vector<double> values(static_cast<size_t>(count));
     for (int k = 1; k <= count; ++k) {
-        const size_t start = static_cast<size_t>(core::PrintZoneWidth * (k - 1));
-        const std::string field(
-            start < line.size()
-                ? core::trimBlanks(std::string_view(line).substr(start, core::PrintZoneWidth))
-                : std::string_view());
-        if (!core::isNumeric(field)) {
-            throw core::Failure(core::failure::TypeMismatch,
-                                "Column " + std::to_string(k) + " (characters " +
-                                    std::to_string(start + 1) + " to " +
-                                    std::to_string(start + core::PrintZoneWidth) + ") of line " +
-                                    std::to_string(line_) + " of '" + path_ + "' holds '" + field +
-                                    "', not a number; the row needs " + std::to_string(count) +
-                                    " values in 14-character columns.");
+        const std::string problem =
+            core::zoneProblem(line, k, values[static_cast<size_t>(k - 1)]);
+        if (!problem.empty()) {
+            const size_t start = static_cast<size_t>(core::PrintZoneWidth * (k - 1));
+            refuse("Column " + std::to_string(k) + " (characters " + std::to_string(start + 1) +
+                       " to " + std::to_string(start + core::PrintZoneWidth) + ")",
+                   problem);
         }
-        values.push_back(core::leadingNumber(field));
+    }
+    const size_t end = static_cast<size_t>(core::PrintZoneWidth * count);
+    if (end < line.size() && !core::trimBlanks(std::string_view(line).substr(end)).empty()) {
+        refuse("The text after column " + std::to_string(count),
+               "holds " + core::quotedInput(core::trimBlanks(std::string_view(line).substr(end))) +
+                   ", more than the row holds");
     }
     return values;
 }
@@ -120,7 +155,8 @@ void ParameterFileReader::readRows(SynthesisModel& model) {
     const int c = header.occurrenceColumns();
     const bool boxCox = header.transformCode == TransformBoxCox;
     for (MonthRows& month : model.months) {
-        std::vector<double> row = zoneFields(nextLine(), c + (boxCox ? 2 : 0));
+        std::vector<double> row =
+            zoneFields(nextLine(), c + (boxCox ? 2 : 0), header.predictorCount);
         if (boxCox) {
             month.lamda = row[static_cast<size_t>(c)];
             month.shift = row[static_cast<size_t>(c + 1)];
@@ -130,7 +166,8 @@ void ParameterFileReader::readRows(SynthesisModel& model) {
     }
     if (header.conditional) {
         for (MonthRows& month : model.months) {
-            month.amount = zoneFields(nextLine(), header.amountColumns());
+            month.amount =
+                zoneFields(nextLine(), header.amountColumns(), header.predictorCount);
         }
     }
 }
