@@ -1,5 +1,6 @@
 #include "cli/cli_context.hpp"
 
+#include "core/quoted_text.hpp"
 #include "core/settings.hpp"
 #include "screens/navigation.hpp"
 #include "screens/settings_override.hpp"
@@ -143,7 +144,7 @@ int CliContext::prepareState() {
     for (const std::string& assignment : options.overrides) {
         const size_t equals = assignment.find('=');
         if (equals == std::string::npos) {
-            dialogs_.error("--set takes KEY=VALUE, not '" + assignment + "'.");
+            dialogs_.error("--set takes KEY=VALUE, not " + core::quotedInput(assignment) + ".");
             return ExitRefused;
         }
         if (!screens::overrideSetting(state, dialogs_, assignment.substr(0, equals),

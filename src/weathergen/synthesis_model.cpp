@@ -11,16 +11,17 @@ namespace {
 
 // A parameter row where a predictor's file name should stand: the header's count is
 // larger than the list of names. Every row holds at least a constant, a standard error and
-// R squared.
+// R squared, in print zones.
 bool looksLikeRow(std::string_view text) {
+    const auto zones = static_cast<int>((text.size() + core::PrintZoneWidth - 1) /
+                                        static_cast<size_t>(core::PrintZoneWidth));
     int numbers = 0;
-    while (!(text = core::trimBlanks(text)).empty()) {
-        const std::string_view token = text.substr(0, text.find_first_of(" \t"));
-        if (!core::isNumeric(token)) {
+    for (int k = 1; k <= zones; ++k) {
+        double value = 0.0;
+        if (!core::zoneProblem(text, k, value).empty()) {
             return false;
         }
         ++numbers;
-        text.remove_prefix(token.size());
     }
     return numbers >= 3;
 }
@@ -126,9 +127,10 @@ std::vector<double> ParameterFileReader::zoneFields(const std::string& line, int
     const auto refuse = [&](const std::string& where, const std::string& problem) {
         throw core::Failure(core::failure::TypeMismatch,
                             where + " of line " + std::to_string(line_) + " of '" + path_ + "' " +
-                                problem + "; with the " + std::to_string(predictorCount) +
-                                " predictors that line 1 counts, the row holds " +
-                                std::to_string(count) + " values in 14-character columns.");
+                                problem + "; line 1 counts " + std::to_string(predictorCount) +
+                                (predictorCount == 1 ? " predictor" : " predictors") +
+                                ", so the row holds " + std::to_string(count) +
+                                " values in 14-character columns.");
     };
     std::vector<double> values(static_cast<size_t>(count));
     for (int k = 1; k <= count; ++k) {

@@ -64,7 +64,10 @@ TEST_F(AnalyseFixture, RunChecksInTheirOrder) {
     ready.ensembleNumber.text = "4";
     EXPECT_EQ(refusal(ready), "Ensemble member does not exist in data file.");
     dir.write("run.SIM", " 2 \r\n 1 \r\n"); // short: not readable
-    EXPECT_EQ(refusal(ready), "An error occurred opeing the *.SIM file. Please try again.");
+    EXPECT_EQ(refusal(ready), "An error occurred opeing the *.SIM file. Please try again.\r\n"
+                              "The SIM file '" +
+                                  dir.path("run.SIM") +
+                                  "' ends after line 2, where line 3 should hold the year length.");
     writeCopy("ensemble3.SIM", "run.SIM");
     ready.ensembleNumber.text = " ";
     EXPECT_EQ(refusal(ready),
@@ -119,7 +122,8 @@ TEST_F(AnalyseFixture, ViewDetailsShowsTheSimFile) {
                          "for observed data.");
     screen.sourceButton = AnalyseScreen::Source::Modelled;
     EXPECT_EQ(refusal(), "Sorry - an error has occurred opening the SIM file.  Please check "
-                         "settings and try again.");
+                         "settings and try again.\r\nCannot open '" +
+                             dir.path("run.SIM") + "': no such file.");
     writeCopy("cal360.SIM", "run.SIM");
     EXPECT_EQ(refusal(), "");
     EXPECT_EQ(screen.fileNPredictors, "2");
