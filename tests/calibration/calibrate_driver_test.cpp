@@ -180,6 +180,33 @@ TEST(CalibrateDriver, FileProblemsAreFailuresNamingTheFile) {
     EXPECT_TRUE(failsWith([&] { run(state, missing); }, 53, "nowhere.dat"));
 }
 
+TEST(CalibrateDriver, AllMissingDataSayNoDayIsFullNotOnlyWhichFileEnded) {
+    TempDir dir;
+    const auto state = sixYearState();
+    Calibrator run;
+    // The predictand is missing throughout; the first predictor is a year shorter, so it is
+    // the file that runs out.
+    std::string missing;
+    std::string shorter;
+    const std::string mslp = varo::testing::readFile(data("mslp.dat"));
+    for (size_t line = 0, at = 0; line < 2191; ++line) {
+        missing += "-999\r\n";
+        const size_t end = mslp.find("\r\n", at);
+        if (line < 1826) {
+            shorter += mslp.substr(at, end + 2 - at);
+        }
+        at = end + 2;
+    }
+    auto allMissing = request(ModelType::Annual, false);
+    allMissing.data.predictandPath = dir.write("rain.dat", missing);
+    allMissing.data.predictorPaths[0] = dir.write("mslp.dat", shorter);
+    EXPECT_TRUE(failsWith([&] { run(state, allMissing); }, 62,
+                          "No day from the fit start 01/01/1962 on has a value in every file: "
+                          "each has the missing value code -999 in the predictand or a "
+                          "predictor, up to the end of the data. Reading past the end of '" +
+                              dir.path("mslp.dat") + "' (after line 1827)."));
+}
+
 TEST(CalibrateDriver, DependentPredictorsAreSingularOrWarnedOfOncePerRun) {
     auto state = sixYearState();
     auto twice = request(ModelType::Monthly, false);

@@ -3,7 +3,10 @@
 #include "support/scripted_dialogs.hpp"
 #include "support/temp_dir.hpp"
 
+#include <filesystem>
 #include <gtest/gtest.h>
+#include <utility>
+#include <vector>
 
 using namespace varo;
 using screens::AnalyseScreen;
@@ -211,4 +214,25 @@ TEST_F(AnalyseFixture, DeltaRunTakesThePeriodsOfTheSelectionScreen) {
     p.periodA.start = "01/01/1900";
     EXPECT_EQ(refusal(screen),
               "Period A starts on 01/01/1900, before the first day of the data (01/01/1961).");
+}
+
+TEST_F(AnalyseFixture, AResultsFileThatIsTheDataOrItsDescriptionIsRefused) {
+    AnalyseScreen screen = readyScreen();
+    const std::string out = varo::testing::readFile(dir.path("run.OUT"));
+    const std::string sim = varo::testing::readFile(dir.path("run.SIM"));
+    std::filesystem::create_symlink(dir.path("run.SIM"), dir.path("link.txt"));
+    for (const auto& [results, input] : std::vector<std::pair<std::string, std::string>>{
+             {dir.path("run.OUT"), dir.path("run.OUT")},
+             {dir.path("run.SIM"), dir.path("run.SIM")},
+             {dir.path("link.txt"), dir.path("run.SIM")}}) {
+        screen.saveFileText = results;
+        dialogs.messages.clear();
+        EXPECT_EQ(screen.run(dialogs, progress), RunOutcome::Refused) << results;
+        EXPECT_EQ(dialogs.lastText(), "The output file '" + results +
+                                          "' is the same file as the input file '" + input +
+                                          "': writing it would destroy the input. Choose another "
+                                          "output file.");
+    }
+    EXPECT_EQ(varo::testing::readFile(dir.path("run.OUT")), out);
+    EXPECT_EQ(varo::testing::readFile(dir.path("run.SIM")), sim);
 }
