@@ -71,8 +71,9 @@ int runCli(const std::vector<std::string>& args, std::ostream& out, std::ostream
     addCommands(app, context, result);
 
     if (const auto unknown = unknownCommand(app, args)) {
-        err << "Unknown command " << core::quotedInput(*unknown) << ". The commands are: "
-            << commandNames(app) << ".\nRun with --help for more information.\n";
+        err << "Unknown command " << core::quotedInput(*unknown)
+            << ". The commands are: " << commandNames(app)
+            << ".\nRun with --help for more information.\n";
         return ExitRefused;
     }
     std::vector<std::string> reversed(args.rbegin(), args.rend());

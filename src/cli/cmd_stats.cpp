@@ -115,7 +115,7 @@ bool setPeriod(CliContext& context, screens::StatsSelectScreen& screen,
     if (colon == std::string::npos) {
         context.dialogs().error(std::string(option) +
                                 " takes START:END (DD/MM/YYYY:DD/MM/YYYY), not " +
-                                    core::quotedInput(*text) + ".");
+                                core::quotedInput(*text) + ".");
         return false;
     }
     screen.startText(period).text = text->substr(0, colon);

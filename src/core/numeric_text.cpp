@@ -81,7 +81,7 @@ bool beyondLargest(std::string_view number) {
         return false;
     }
     const long long position = first < point ? static_cast<long long>(point - first) - 1
-                                              : -static_cast<long long>(first - point);
+                                             : -static_cast<long long>(first - point);
     return position + exponent > 0;
 }
 

@@ -257,9 +257,9 @@ std::string SeriesReader::readLine() {
         pos_ = i;
         if (text.size() > MaxLineLength) {
             throw Failure(failure::TypeMismatch,
-                          "Line " + std::to_string(line_) + " of '" + path_ +
-                              "' is longer than " + std::to_string(MaxLineLength) +
-                              " characters; it starts " + quotedInput(text) + ".");
+                          "Line " + std::to_string(line_) + " of '" + path_ + "' is longer than " +
+                              std::to_string(MaxLineLength) + " characters; it starts " +
+                              quotedInput(text) + ".");
         }
         if (pos_ < end_ || !fill()) {
             break;
@@ -294,8 +294,7 @@ std::string zoneProblem(std::string_view line, int k, double& value) {
         return line.substr(from, Zone).find_first_of(" \t") == std::string_view::npos &&
                from + Zone <= line.size();
     };
-    if (start > 0 && !isBlank(line[start - 1]) && !isBlank(zone.front()) &&
-        !filled(start - Zone)) {
+    if (start > 0 && !isBlank(line[start - 1]) && !isBlank(zone.front()) && !filled(start - Zone)) {
         return "holds " + quotedInput(text) + ", part of a number that runs over from column " +
                std::to_string(k - 1);
     }

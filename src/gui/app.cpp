@@ -1,5 +1,6 @@
 #include "gui/app.hpp"
 
+#include "core/settings.hpp"
 #include "gui/help_viewer.hpp"
 #include "gui/main_window.hpp"
 #include "gui/settings_widget.hpp"
@@ -70,8 +71,13 @@ int runDesktop(QApplication& app) {
     parser.process(app);
 
     core::ProgramState state;
-    screens::startProgram(state, parser.isSet(settings) ? parser.value(settings).toStdString()
-                                                        : core::defaultSettingsPath());
+    const std::string settingsFile =
+        parser.isSet(settings) ? parser.value(settings).toStdString() : core::defaultSettingsPath();
+    // The load at start shows no box; a file it passes over is named where a shell sees it.
+    if (const auto problem = core::settingsFileProblem(settingsFile)) {
+        std::cerr << "varo-gui: warning: " << *problem << " None of its settings are in force.\n";
+    }
+    screens::startProgram(state, settingsFile);
     MainWindow window(state);
     if (parser.isSet(screen)) {
         if (!showNamedScreen(window, parser.value(screen))) {

@@ -1,8 +1,8 @@
 #include "screens/transform_screen.hpp"
 
 #include "core/number_format.hpp"
-#include "core/output_paths.hpp"
 #include "core/numeric_text.hpp"
+#include "core/output_paths.hpp"
 #include "core/series_file.hpp"
 
 namespace varo::screens {

@@ -27,9 +27,9 @@ public:
                 throw;
             }
             throw core::Failure(failure.number(), "The SIM file '" + path_ + "' ends after line " +
-                                                      std::to_string(line_ - 1) +
-                                                      ", where line " + std::to_string(line_) +
-                                                      " should hold the " + what + ".");
+                                                      std::to_string(line_ - 1) + ", where line " +
+                                                      std::to_string(line_) + " should hold the " +
+                                                      what + ".");
         }
     }
 

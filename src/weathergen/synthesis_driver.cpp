@@ -164,7 +164,8 @@ SynthesisRun::SynthesisRun(const SynthesisRequest& request, const core::ProgramS
 // Reads every predictor file as far as the run will: a value for each day from the record
 // start to the last simulated day.
 void SynthesisRun::checkPredictorLengths(core::Progress& progress) const {
-    const long skipped = std::max(0L, core::dayDifference(model_.header.recordStart, request_.start));
+    const long skipped =
+        std::max(0L, core::dayDifference(model_.header.recordStart, request_.start));
     const long needed = skipped + request_.days;
     for (size_t i = 0; i < predictorPaths_.size(); ++i) {
         core::SeriesReader file =
@@ -174,10 +175,11 @@ void SynthesisRun::checkPredictorLengths(core::Progress& progress) const {
                 progress.throwIfStopped();
             }
             if (file.atEnd()) {
-                const std::string skip =
-                    skipped == 0 ? std::string()
-                                 : std::to_string(skipped) + " rows skipped from the record start " +
-                                       model_.header.recordStartText + ", then ";
+                const std::string skip = skipped == 0
+                                             ? std::string()
+                                             : std::to_string(skipped) +
+                                                   " rows skipped from the record start " +
+                                                   model_.header.recordStartText + ", then ";
                 throw core::Failure(core::failure::InputPastEnd,
                                     "The predictor file '" + predictorPaths_[i] + "' holds " +
                                         std::to_string(value) + " values, but the run reads " +

@@ -134,8 +134,7 @@ std::vector<double> ParameterFileReader::zoneFields(const std::string& line, int
     };
     std::vector<double> values(static_cast<size_t>(count));
     for (int k = 1; k <= count; ++k) {
-        const std::string problem =
-            core::zoneProblem(line, k, values[static_cast<size_t>(k - 1)]);
+        const std::string problem = core::zoneProblem(line, k, values[static_cast<size_t>(k - 1)]);
         if (!problem.empty()) {
             const size_t start = static_cast<size_t>(core::PrintZoneWidth * (k - 1));
             refuse("Column " + std::to_string(k) + " (characters " + std::to_string(start + 1) +
@@ -168,8 +167,7 @@ void ParameterFileReader::readRows(SynthesisModel& model) {
     }
     if (header.conditional) {
         for (MonthRows& month : model.months) {
-            month.amount =
-                zoneFields(nextLine(), header.amountColumns(), header.predictorCount);
+            month.amount = zoneFields(nextLine(), header.amountColumns(), header.predictorCount);
         }
     }
 }

@@ -141,7 +141,9 @@ const std::vector<Case>& cases() {
         {"stats of an OUT file of 13-character columns",
          {"stats", "@/run.OUT", "-o", "@/r.txt", "--start", "01/01/1961", "--end", "31/12/1961",
           "--ensemble-mean"},
-         [](const TempDir& dir) { replaceLine(dir, "run.OUT", 2, "13.500       13.500       1.5"); },
+         [](const TempDir& dir) {
+             replaceLine(dir, "run.OUT", 2, "13.500       13.500       1.5");
+         },
          1,
          "part of a number that runs over into column 2"},
         {"stats of an OUT file with 1e999",
@@ -165,8 +167,8 @@ const std::vector<Case>& cases() {
          2,
          "The output file '@/reg.PAR' is the same file as the input file '@/reg.PAR'"},
         {"generate onto a predictor",
-         {generate, "@/reg.PAR", "--predictors", "@", "-o", "@/reg_p2.dat", "--start",
-          "27/02/1960", "--days", "10"},
+         {generate, "@/reg.PAR", "--predictors", "@", "-o", "@/reg_p2.dat", "--start", "27/02/1960",
+          "--days", "10"},
          nullptr,
          2,
          "is the same file as the input file '@/reg_p2.dat'"},
@@ -189,8 +191,8 @@ const std::vector<Case>& cases() {
          1,
          "holds 200 values"},
         {"generate onto a folder",
-         {generate, "@/reg.PAR", "--predictors", "@", "-o", "@/folder.OUT", "--start",
-          "27/02/1960", "--days", "10"},
+         {generate, "@/reg.PAR", "--predictors", "@", "-o", "@/folder.OUT", "--start", "27/02/1960",
+          "--days", "10"},
          nullptr,
          1,
          "Cannot open '@/folder.OUT': it is a folder."},
@@ -252,8 +254,8 @@ TEST(CliNothingLost, EveryRefusalOrFailureLeavesEveryFileAsItWas) {
         }
         const CliRun run = runExactly(args);
         EXPECT_EQ(run.exitCode, c.exitCode) << c.what << "\n" << run.err;
-        EXPECT_NE(run.err.find(withFolder(dir, c.message)), std::string::npos)
-            << c.what << "\n" << run.err;
+        EXPECT_NE(run.err.find(withFolder(dir, c.message)), std::string::npos) << c.what << "\n"
+                                                                               << run.err;
         EXPECT_EQ(snapshot(dir), before) << c.what;
     }
 }

@@ -88,8 +88,7 @@ TEST(IniFile, WritesNeverGoIntoAFileThatIsNoSettingsFile) {
         {"absent.ini", std::nullopt, std::nullopt},
     };
     for (const Case& c : cases) {
-        const std::string path =
-            c.content ? dir.write(c.name, *c.content) : dir.path(c.name);
+        const std::string path = c.content ? dir.write(c.name, *c.content) : dir.path(c.name);
         EXPECT_EQ(iniFileProblem(path, "VARO"), c.problem) << c.name;
         const bool written = writeProfileString(path, "VARO", "Thresh", "2");
         EXPECT_EQ(written, !c.problem) << c.name;

@@ -21,13 +21,13 @@ TEST(NumericTest, RefusesEmptyTextWordsAndTrailingCharacters) {
 }
 
 TEST(NumericTest, NumbersBeyondTheRangeOfDoublesAreNotNumbers) {
-    for (const std::string& text : {std::string("1e999"), std::string("-1e309"),
-                                   std::string(400, '9'), std::string("1e99999999999999999999"),
-                                   "0." + std::string(500, '0') + "1e900"}) {
+    for (const std::string& text :
+         {std::string("1e999"), std::string("-1e309"), std::string(400, '9'),
+          std::string("1e99999999999999999999"), "0." + std::string(500, '0') + "1e900"}) {
         EXPECT_FALSE(isNumeric(text)) << text;
     }
     for (const std::string& text : {std::string("1e308"), std::string("1e-400"),
-                                   std::string("0e99999"), "0." + std::string(500, '0') + "1"}) {
+                                    std::string("0e99999"), "0." + std::string(500, '0') + "1"}) {
         EXPECT_TRUE(isNumeric(text)) << text;
     }
 }

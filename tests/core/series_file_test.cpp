@@ -137,7 +137,11 @@ TEST(SeriesReader, RefusedTokensSayWhereAndWhat) {
         {"4\r5e\r\n", "' is not a number.", "'5e' on line 2, column 1 of '"},
         {"7\x01\x7f\r\n", "' is not a number.", "'7\\x01\\x7F' on line 1, column 1 of '"},
         {"\xEF\xBB\xBF x", "' is not a number.", "'x' on line 1, column 2 of '"},
-        {"1\r\n\xEF\xBB\xBF" "2", "' is not a number.", "'\xEF\xBB\xBF" "2' on line 2, column 1 of '"},
+        {"1\r\n\xEF\xBB\xBF"
+         "2",
+         "' is not a number.",
+         "'\xEF\xBB\xBF"
+         "2' on line 2, column 1 of '"},
     };
     TempDir dir;
     for (const Case& c : cases) {
@@ -155,7 +159,8 @@ TEST(SeriesReader, RefusedTokensSayWhereAndWhat) {
 
 TEST(SeriesReader, ByteOrderMarkAtTheStartIsSkipped) {
     TempDir dir;
-    SeriesReader reader(dir.write("bom.dat", "\xEF\xBB\xBF" "1.5\r\n2\r\n"));
+    SeriesReader reader(dir.write("bom.dat", "\xEF\xBB\xBF"
+                                             "1.5\r\n2\r\n"));
     EXPECT_EQ(reader.readNumber(), 1.5);
     EXPECT_EQ(reader.readNumber(), 2.0);
     EXPECT_TRUE(reader.atEnd());
@@ -187,8 +192,7 @@ TEST(SeriesReader, LineLongerThanTheBoundIsRefusedWithoutBeingHeld) {
     reader.readLine();
     std::string description;
     EXPECT_EQ(failureNumber([&] { reader.readLine(); }, &description), 13);
-    EXPECT_EQ(description, "Line 2 of '" + path +
-                               "' is longer than 65536 characters; it starts '" +
+    EXPECT_EQ(description, "Line 2 of '" + path + "' is longer than 65536 characters; it starts '" +
                                std::string(40, 'b') + "...'.");
 }
 
@@ -209,13 +213,20 @@ TEST(ZoneNumber, TheZoneHoldsOneWholeNumberInRange) {
         {"1e-400", 1, 0.0, ""},
         {"-             ", 1, {}, "holds '-', which is not a number"},
         {".             ", 1, {}, "holds '.', which is not a number"},
-        {"1e999         ", 1, {}, "holds '1e999', which is a number beyond the range this "
-                                  "program holds"},
+        {"1e999         ",
+         1,
+         {},
+         "holds '1e999', which is a number beyond the range this "
+         "program holds"},
         {"1.2abc        ", 1, {}, "holds '1.2abc', which is not a number"},
         {"1.0   2.0     ", 1, {}, "holds '1.0   2.0', which is not a number"},
-        {"13.500       13.500       ", 1, {},
+        {"13.500       13.500       ",
+         1,
+         {},
          "holds '13.500       1', part of a number that runs over into column 2"},
-        {"13.500       13.500       ", 2, {},
+        {"13.500       13.500       ",
+         2,
+         {},
          "holds '3.500', part of a number that runs over from column 1"},
         {"1.000\t\x01      ", 1, {}, "holds '1.000\\t\\x01', which is not a number"},
         {"1.000         ", 2, {}, "is empty where a number must stand"},

@@ -113,9 +113,9 @@ TEST(SettingsFile, WrittenForms) {
 
 TEST(LoadStartupSettings, NumbersBeyondRangeAndAByteOrderMark) {
     TempDir dir;
-    const auto state = stateReading(dir.write(
-        "VARO.INI", "\xEF\xBB\xBF[VARO]\r\nYearIndicator=360\r\nThresh=1e999\r\n"
-                    "GlobalMissingCode=-1e999\r\nBiasCorrection=1.5\r\n"));
+    const auto state = stateReading(
+        dir.write("VARO.INI", "\xEF\xBB\xBF[VARO]\r\nYearIndicator=360\r\nThresh=1e999\r\n"
+                              "GlobalMissingCode=-1e999\r\nBiasCorrection=1.5\r\n"));
     EXPECT_EQ(state.yearIndicator, 360);
     EXPECT_EQ(state.thresh, 0.0f);
     EXPECT_EQ(state.globalMissingCode, -999.0);

@@ -229,11 +229,11 @@ TEST_F(CalibrateFixture, AParameterFileThatIsTheDataIsRefusedBeforeAnythingIsRea
         screen.chooseParFile(output);
         dialogs.messages.clear();
         EXPECT_EQ(screen.calibrate(dialogs, progress), RunOutcome::Refused) << output;
-        EXPECT_EQ(dialogs.errors(), std::vector<std::string>{
-                                        "The output file '" + output +
-                                        "' is the same file as the input file '" + input +
-                                        "': writing it would destroy the input. Choose another "
-                                        "output file."});
+        EXPECT_EQ(dialogs.errors(),
+                  std::vector<std::string>{"The output file '" + output +
+                                           "' is the same file as the input file '" + input +
+                                           "': writing it would destroy the input. Choose another "
+                                           "output file."});
     }
     EXPECT_EQ(readFile(predictand), readFile(Data + "/rain.dat"));
     EXPECT_EQ(readFile(predictor), readFile(Data + "/mslp.dat"));

@@ -83,10 +83,10 @@ TEST(GuardedRun, FailureStopAndCancelEachRunTheCleanup) {
 TEST(GuardedRun, RunningOutOfMemoryIsAFailureWithItsNumber) {
     ScriptedDialogs dialogs;
     int cleanups = 0;
-    EXPECT_EQ(screens::guardedRun(
-                  dialogs, []() -> screens::RunOutcome { throw std::bad_alloc(); },
-                  [&] { ++cleanups; }),
-              screens::RunOutcome::Failed);
+    EXPECT_EQ(
+        screens::guardedRun(
+            dialogs, []() -> screens::RunOutcome { throw std::bad_alloc(); }, [&] { ++cleanups; }),
+        screens::RunOutcome::Failed);
     EXPECT_EQ(cleanups, 1);
     ASSERT_EQ(dialogs.errors().size(), 1u);
     EXPECT_EQ(dialogs.errors()[0],

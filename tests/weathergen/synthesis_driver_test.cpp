@@ -205,25 +205,59 @@ TEST_F(SynthesisRun, EverythingCheckedBeforeTheFirstDayLeavesEarlierFilesAlone) 
         std::string part;
     };
     const std::vector<Case> cases = {
-        {"truncated rows", firstLines(par, 17), predictor, {27, 2, 1960}, 5, 62,
+        {"truncated rows",
+         firstLines(par, 17),
+         predictor,
+         {27, 2, 1960},
+         5,
+         62,
          "ends after line 17"},
-        {"a word in the last row", replaceLine(par, 26, "0.800         x"), predictor,
-         {27, 2, 1960}, 5, 13, "line 26"},
+        {"a word in the last row",
+         replaceLine(par, 26, "0.800         x"),
+         predictor,
+         {27, 2, 1960},
+         5,
+         13,
+         "line 26"},
         {"a value to spare",
          replaceLine(par, 15,
                      "-0.300        0.750         -0.280        0.450         1.250         "
                      "0.610         9.000"),
-         predictor, {27, 2, 1960}, 5, 13, "more than the row holds"},
-        {"a count above the names", replaceLine(par, 1, " 3 "), predictor, {27, 2, 1960}, 5, 13,
+         predictor,
+         {27, 2, 1960},
+         5,
+         13,
+         "more than the row holds"},
+        {"a count above the names",
+         replaceLine(par, 1, " 3 "),
+         predictor,
+         {27, 2, 1960},
+         5,
+         13,
          "the predictor count and the names listed after the predictand disagree"},
-        {"a predictor too short for the run", par, predictor, {27, 2, 1960}, 300, 62,
+        {"a predictor too short for the run",
+         par,
+         predictor,
+         {27, 2, 1960},
+         300,
+         62,
          "holds 200 values, but the run reads 357: 57 rows skipped from the record start "
          "01/01/1960, then 300 days simulated from 27/02/1960."},
         {"a start after the data", par, predictor, {1, 1, 1961}, 1, 62, "holds 200 values"},
-        {"a word in a predictor", par, replaceLine(predictor, 150, "n/a"), {27, 2, 1960}, 120, 13,
+        {"a word in a predictor",
+         par,
+         replaceLine(predictor, 150, "n/a"),
+         {27, 2, 1960},
+         120,
+         13,
          "'n/a' on line 150, column 1"},
-        {"a number beyond range in a predictor", par, replaceLine(predictor, 90, "1e999"),
-         {27, 2, 1960}, 40, 13, "beyond the range"},
+        {"a number beyond range in a predictor",
+         par,
+         replaceLine(predictor, 90, "1e999"),
+         {27, 2, 1960},
+         40,
+         13,
+         "beyond the range"},
     };
     for (const Case& c : cases) {
         varo::testing::TempDir folder;
@@ -253,8 +287,8 @@ TEST_F(SynthesisRun, AnOutputThatIsAFolderIsRefusedBeforeEitherFileIsWritten) {
 }
 
 TEST_F(SynthesisRun, InputsAreTheModelThePredictorsAndForInverseNormalThePredictand) {
-    weathergen::SynthesisRun regression(request(data("reg.PAR"), dir.path("a.OUT"), {27, 2, 1960}, 5, 1),
-                                        state, progress);
+    weathergen::SynthesisRun regression(
+        request(data("reg.PAR"), dir.path("a.OUT"), {27, 2, 1960}, 5, 1), state, progress);
     EXPECT_EQ(regression.inputPaths(),
               (std::vector<std::string>{data("reg.PAR"), data("reg_p1.dat"), data("reg_p2.dat")}));
     EXPECT_EQ(regression.outputPaths(),
