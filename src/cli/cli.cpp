@@ -17,26 +17,40 @@ bool takesValue(const std::string& option) {
     return option == "--settings" || option == "--set";
 }
 
-// The first word of the line that is neither an option nor an option's value, when it
-// names no command. The parser would only say that a command is required.
-std::optional<std::string> unknownCommand(CLI::App& app, const std::vector<std::string>& args) {
+// A word where a command (or a command's own command, as in `settings show`) must stand
+// that names none, with the words before it; the parser would only say that a command is
+// required.
+struct UnknownCommand {
+    std::string words;      // "settings shw"
+    const CLI::App* within; // the program, or the command whose commands it should name
+};
+
+std::optional<UnknownCommand> unknownCommand(const CLI::App& app,
+                                             const std::vector<std::string>& args) {
+    const CLI::App* current = &app;
+    std::string words;
     for (size_t i = 0; i < args.size(); ++i) {
         const std::string& word = args[i];
         if (!word.empty() && word.front() == '-') {
             i += takesValue(word) ? 1 : 0;
             continue;
         }
-        for (const CLI::App* command : app.get_subcommands({})) {
-            if (command->check_name(word)) {
-                return std::nullopt;
-            }
+        const auto commands = current->get_subcommands({});
+        if (commands.empty()) {
+            return std::nullopt;
         }
-        return word;
+        words += (words.empty() ? "" : " ") + word;
+        const auto named = std::find_if(commands.begin(), commands.end(),
+                                        [&](const CLI::App* c) { return c->check_name(word); });
+        if (named == commands.end()) {
+            return UnknownCommand{words, current};
+        }
+        current = *named;
     }
     return std::nullopt;
 }
 
-std::string commandNames(CLI::App& app) {
+std::string commandNames(const CLI::App& app) {
     std::string names;
     for (const CLI::App* command : app.get_subcommands({})) {
         names += (names.empty() ? "" : ", ") + command->get_name();
@@ -71,8 +85,10 @@ int runCli(const std::vector<std::string>& args, std::ostream& out, std::ostream
     addCommands(app, context, result);
 
     if (const auto unknown = unknownCommand(app, args)) {
-        err << "Unknown command " << core::quotedInput(*unknown)
-            << ". The commands are: " << commandNames(app)
+        const std::string of =
+            unknown->within == &app ? std::string() : "of " + unknown->within->get_name() + " ";
+        err << "Unknown command " << core::quotedInput(unknown->words) << ". The commands " << of
+            << "are: " << commandNames(*unknown->within)
             << ".\nRun with --help for more information.\n";
         return ExitRefused;
     }

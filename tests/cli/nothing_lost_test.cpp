@@ -268,6 +268,11 @@ TEST(CliNothingLost, AnUnknownCommandIsNamed) {
                        "screen, calibrate, generate, stats, demo.\nRun with --help for more "
                        "information.\n");
     EXPECT_FALSE(fileExists(dir.path("VARO.INI")));
+    const auto nested = runVaro(dir, {"settings", "--json", "shw"});
+    EXPECT_EQ(nested.exitCode, 2);
+    EXPECT_EQ(nested.err, "Unknown command 'settings shw'. The commands of settings are: show, "
+                          "set, reset.\nRun with --help for more information.\n");
+    EXPECT_EQ(runVaro(dir, {"--json", "settings", "show"}).exitCode, 0);
     const auto none = runVaro(dir, {"--json"});
     EXPECT_EQ(none.exitCode, 2);
     EXPECT_NE(none.err.find("A subcommand is required"), std::string::npos);
