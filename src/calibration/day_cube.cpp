@@ -149,13 +149,18 @@ DayCube readDayCube(const core::ProgramState& state, const CalibrationData& data
         progress.throwIfStopped();
     };
     // The first full day opens the first section of its group. The search goes on past the
-    // fit end; when the data end first, that is what the person must hear, not only which
-    // file ended.
+    // fit end; when the data end first, the person must hear which files held only missing
+    // values, not only which file ended.
+    std::vector<bool> seen(files.size(), false);
     try {
         for (;;) {
             yield();
             ++daysRead;
-            if (readDay()) {
+            const bool full = readDay();
+            for (size_t s = 0; s < files.size(); ++s) {
+                seen[s] = seen[s] || day[s] != missing;
+            }
+            if (full) {
                 break;
             }
             position.stepDay();
@@ -164,12 +169,26 @@ DayCube readDayCube(const core::ProgramState& state, const CalibrationData& data
         if (failure.number() != core::failure::InputPastEnd) {
             throw;
         }
+        std::string empty;
+        int emptyFiles = 0;
+        for (size_t s = 0; s < files.size(); ++s) {
+            if (!seen[s]) {
+                empty += (empty.empty() ? "" : ", ") + std::string("'") + files[s].path() + "'";
+                ++emptyFiles;
+            }
+        }
+        const std::string start = core::formatDate(data.fitStart);
         throw core::Failure(failure.number(),
-                            "No day from the fit start " + core::formatDate(data.fitStart) +
-                                " on has a value in every file: each has the missing value code " +
-                                core::generalText(missing) +
-                                " in the predictand or a predictor, up to the end of the data. " +
-                                failure.description());
+                            (empty.empty()
+                                 ? "No day from the fit start " + start +
+                                       " on has a value in every file: each day has the missing "
+                                       "value code " +
+                                       core::generalText(missing) + " in one file or another."
+                                 : "From the fit start " + start + " to the end of the data, " +
+                                       empty + (emptyFiles == 1 ? " holds" : " hold") +
+                                       " only the missing value code " +
+                                       core::generalText(missing) + ", so no day can be used.") +
+                                " " + failure.description());
     }
     int lastGroup = groupOfMonth(data.modelType, position.month());
     cube.store(lastGroup, day, true);

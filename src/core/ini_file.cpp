@@ -75,6 +75,11 @@ IniText readIniText(const std::string& path) {
         result.problem = "it is a folder";
         return result;
     }
+    // A pipe or a device could make the read wait, or never end.
+    if (!fs::is_regular_file(status)) {
+        result.problem = "it is not a regular file";
+        return result;
+    }
     const auto size = fs::file_size(path, error);
     if (!error && size > MaxIniFileSize) {
         result.problem = "it is larger than " + std::to_string(MaxIniFileSize / 1024) +

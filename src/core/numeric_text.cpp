@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <limits>
 #include <string>
 
 namespace varo::core {
@@ -152,6 +153,16 @@ double leadingNumber(std::string_view text) {
 }
 
 long long roundHalfEven(double value) {
+    // Beyond the range of long long the cast would be undefined; such values only ever meet
+    // range checks, which the largest integers fail as surely.
+    constexpr double Limit = 9.2e18;
+    if (std::isnan(value)) {
+        return 0;
+    }
+    if (value >= Limit || value <= -Limit) {
+        return value > 0 ? std::numeric_limits<long long>::max()
+                         : std::numeric_limits<long long>::min();
+    }
     return static_cast<long long>(std::nearbyint(value));
 }
 

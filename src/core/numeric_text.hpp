@@ -29,7 +29,8 @@ double leadingNumber(std::string_view text);
 // The text without the blanks and tabs at either end.
 std::string_view trimBlanks(std::string_view text);
 
-// Nearest integer, ties to even (2.5 is 2, 3.5 is 4).
+// Nearest integer, ties to even (2.5 is 2, 3.5 is 4); beyond the range of long long the
+// largest or smallest one, and 0 for not a number.
 long long roundHalfEven(double value);
 
 // Rounds to a number of decimals on the value's shortest decimal digits, ties to even:

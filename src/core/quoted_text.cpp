@@ -36,7 +36,7 @@ void appendEscaped(std::string& out, char c) {
 
 } // namespace
 
-std::string quotedInput(std::string_view text, size_t limit) {
+std::string escapedInput(std::string_view text, size_t limit) {
     bool cut = false;
     if (text.size() > limit) {
         size_t end = limit;
@@ -46,12 +46,15 @@ std::string quotedInput(std::string_view text, size_t limit) {
         text = text.substr(0, end);
         cut = true;
     }
-    std::string out = "'";
+    std::string out;
     for (const char c : text) {
         appendEscaped(out, c);
     }
-    out += cut ? "...'" : "'";
-    return out;
+    return cut ? out + "..." : out;
+}
+
+std::string quotedInput(std::string_view text, size_t limit) {
+    return "'" + escapedInput(text, limit) + "'";
 }
 
 } // namespace varo::core

@@ -19,4 +19,7 @@ inline constexpr size_t QuotedLength = 40;
 // The text between single quotes, escaped and cut as above.
 std::string quotedInput(std::string_view text, size_t limit = QuotedLength);
 
+// The same without the quotes, for a message whose wording stands around the text.
+std::string escapedInput(std::string_view text, size_t limit = QuotedLength);
+
 } // namespace varo::core

@@ -3,7 +3,6 @@
 #include "core/dates.hpp"
 #include "core/failure.hpp"
 #include "core/numeric_text.hpp"
-#include "core/output_paths.hpp"
 #include "core/series_file.hpp"
 #include "statistics/statistic_columns.hpp"
 
@@ -335,7 +334,7 @@ RunOutcome AnalyseScreen::run(Dialogs& dialogs, core::Progress& progress) {
     if (description) {
         inputs.push_back(weathergen::simPathFor(inputFileText));
     }
-    if (auto refusal = core::outputOverInput({saveFileText}, inputs)) {
+    if (auto refusal = outputOverInput(state_, {saveFileText}, inputs)) {
         dialogs.error(*refusal);
         return RunOutcome::Refused;
     }

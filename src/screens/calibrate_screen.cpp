@@ -8,7 +8,6 @@
 #include "calibration/stepwise.hpp"
 #include "core/dates.hpp"
 #include "core/numeric_text.hpp"
-#include "core/output_paths.hpp"
 #include "core/record_calendar.hpp"
 #include "core/series_file.hpp"
 
@@ -259,7 +258,7 @@ RunOutcome CalibrateScreen::calibrate(Dialogs& dialogs, core::Progress& progress
     if (!checkInputs(dialogs)) {
         return RunOutcome::Refused;
     }
-    if (const auto refusal = core::outputOverInput({parFileText}, inputPaths())) {
+    if (const auto refusal = outputOverInput(state_, {parFileText}, inputPaths())) {
         dialogs.error(*refusal);
         return RunOutcome::Refused;
     }

@@ -1,6 +1,7 @@
 #include "screens/screen_run.hpp"
 
 #include "core/failure.hpp"
+#include "core/output_paths.hpp"
 
 #include <new>
 
@@ -26,6 +27,14 @@ RunOutcome guardedRun(Dialogs& dialogs, const std::function<RunOutcome()>& body,
         cleanup();
         return RunOutcome::Failed;
     }
+}
+
+std::optional<std::string> outputOverInput(const core::ProgramState& state,
+                                           const std::vector<std::string>& outputs,
+                                           std::vector<std::string> inputs) {
+    inputs.push_back(state.settingsFile);
+    inputs.push_back(state.defaultSettingsFile);
+    return core::outputOverInput(outputs, inputs);
 }
 
 } // namespace varo::screens

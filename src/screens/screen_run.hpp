@@ -2,9 +2,13 @@
 // failures, stops with a message and cancels are caught and answered.
 #pragma once
 
+#include "core/program_state.hpp"
 #include "screens/dialogs.hpp"
 
 #include <functional>
+#include <optional>
+#include <string>
+#include <vector>
 
 namespace varo::screens {
 
@@ -25,5 +29,11 @@ inline constexpr std::string_view OutOfMemoryText =
 // outcome is returned when it ends normally.
 RunOutcome guardedRun(Dialogs& dialogs, const std::function<RunOutcome()>& body,
                       const std::function<void()>& cleanup);
+
+// The refusal of a run whose output would destroy a file it reads or the settings file in
+// force (named by the message as an input), or nothing.
+std::optional<std::string> outputOverInput(const core::ProgramState& state,
+                                           const std::vector<std::string>& outputs,
+                                           std::vector<std::string> inputs);
 
 } // namespace varo::screens

@@ -2,7 +2,6 @@
 
 #include "core/dates.hpp"
 #include "core/numeric_text.hpp"
-#include "core/output_paths.hpp"
 #include "core/series_file.hpp"
 #include "weathergen/simulation_files.hpp"
 #include "weathergen/synthesis_driver.hpp"
@@ -229,7 +228,7 @@ RunOutcome SynthesizeScreen::synthesize(Dialogs& dialogs, core::Progress& progre
             weathergen::SynthesisRun run(
                 request, state_, progress,
                 [&](const weathergen::ParameterHeader& header) { showHeader(header, true); });
-            if (const auto refusal = core::outputOverInput(run.outputPaths(), run.inputPaths())) {
+            if (const auto refusal = outputOverInput(state_, run.outputPaths(), run.inputPaths())) {
                 dialogs.error(*refusal);
                 cleanup();
                 return RunOutcome::Refused;

@@ -2,7 +2,6 @@
 
 #include "core/number_format.hpp"
 #include "core/numeric_text.hpp"
-#include "core/output_paths.hpp"
 #include "core/series_file.hpp"
 
 namespace varo::screens {
@@ -217,12 +216,12 @@ std::optional<std::string> TransformScreen::outputOverInput() const {
     if (simCheck) {
         inputs.push_back(dataprep::descriptionCopySource(inputPath));
     }
-    if (auto refusal = core::outputOverInput({outputPath}, inputs)) {
+    if (auto refusal = screens::outputOverInput(state_, {outputPath}, inputs)) {
         return refusal;
     }
     if (simCheck) {
-        return core::outputOverInput({dataprep::descriptionCopyTarget(inputPath, outputPath)},
-                                     {inputPath});
+        return screens::outputOverInput(
+            state_, {dataprep::descriptionCopyTarget(inputPath, outputPath)}, {inputPath});
     }
     return std::nullopt;
 }

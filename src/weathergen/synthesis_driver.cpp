@@ -2,6 +2,7 @@
 
 #include "core/failure.hpp"
 #include "core/numeric_text.hpp"
+#include "core/quoted_text.hpp"
 #include "core/random.hpp"
 #include "core/record_calendar.hpp"
 #include "core/series_file.hpp"
@@ -26,25 +27,33 @@ std::string predictorPath(const std::string& folder, const std::string& name) {
     return folder.empty() || folder.back() == '/' ? folder + name : folder + "/" + name;
 }
 
-// Opens a predictor file; a file that cannot be opened is named with the advice to check
-// the predictor folder.
-core::SeriesReader openPredictor(const std::string& path, const std::string& name) {
+// Opens predictor i of the model. A file that cannot be opened is named with the advice to
+// check the predictor folder (names from a file are shown escaped and cut), followed by
+// where the parameter file names it.
+core::SeriesReader openPredictor(const std::string& path, const SynthesisModel& model,
+                                 const std::string& parameterPath, size_t i) {
     try {
         return core::SeriesReader(path);
     } catch (const core::Failure& failure) {
+        const std::string& name = model.header.predictorNames[i];
         if (name.empty()) {
             throw;
         }
-        throw core::Failure(failure.number(), name + std::string(PredictorAdvice));
+        throw core::Failure(
+            failure.number(),
+            core::escapedInput(name, 200) + std::string(PredictorAdvice) +
+                "\r\nThe parameter file '" + parameterPath + "' names it on line " +
+                std::to_string(model.header.firstPredictorLine + static_cast<long>(i)) + ".");
     }
 }
 
 std::vector<core::SeriesReader> openPredictors(const std::vector<std::string>& paths,
-                                               const std::vector<std::string>& names) {
+                                               const SynthesisModel& model,
+                                               const std::string& parameterPath) {
     std::vector<core::SeriesReader> files;
     files.reserve(paths.size());
     for (size_t i = 0; i < paths.size(); ++i) {
-        files.push_back(openPredictor(paths[i], names[i]));
+        files.push_back(openPredictor(paths[i], model, parameterPath, i));
     }
     return files;
 }
@@ -169,7 +178,7 @@ void SynthesisRun::checkPredictorLengths(core::Progress& progress) const {
     const long needed = skipped + request_.days;
     for (size_t i = 0; i < predictorPaths_.size(); ++i) {
         core::SeriesReader file =
-            openPredictor(predictorPaths_[i], model_.header.predictorNames[i]);
+            openPredictor(predictorPaths_[i], model_, request_.parameterPath, i);
         for (long value = 0; value < needed; ++value) {
             if ((value & 0xFFF) == 0) {
                 progress.throwIfStopped();
@@ -207,7 +216,7 @@ std::vector<std::string> SynthesisRun::outputPaths() const {
 
 void SynthesisRun::writeOutputs(core::Progress& progress) {
     std::vector<core::SeriesReader> predictors =
-        openPredictors(predictorPaths_, model_.header.predictorNames);
+        openPredictors(predictorPaths_, model_, request_.parameterPath);
     core::TextFileWriter sim(simPathFor(request_.outPath));
     core::TextFileWriter out(request_.outPath);
 

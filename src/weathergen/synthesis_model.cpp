@@ -85,7 +85,12 @@ ParameterHeader ParameterFileReader::readHeader() {
         fail(std::to_string(seasonCode), "a number of groups (12, 4 or 1)");
     }
     header.seasonCode = static_cast<int>(seasonCode);
-    nextLine(); // the year length of the calibration; a run uses the settings' one
+    // The year length of the calibration: a run uses the settings' one, but a file that
+    // holds no year length here is no parameter file.
+    const long yearLength = integerItem("a year length (366, 365 or 360)", 360, 366);
+    if (yearLength != 360 && yearLength != 365 && yearLength != 366) {
+        fail(std::to_string(yearLength), "a year length (366, 365 or 360)");
+    }
     header.recordStart = dateItem(header.recordStartText, "a record start date dd/mm/yyyy");
     header.recordLength = integerItem("a record length in days", 0, 2147483647L);
     header.fitStart = dateItem(header.fitStartText, "a fit start date dd/mm/yyyy");
@@ -108,6 +113,7 @@ ParameterHeader ParameterFileReader::readHeader() {
         header.hasAutoRegressionLine = false;
     }
     header.predictandName = word;
+    header.firstPredictorLine = line_ + 1;
     for (int i = 0; i < header.predictorCount; ++i) {
         header.predictorNames.emplace_back(core::trimBlanks(nextLine()));
         if (looksLikeRow(header.predictorNames.back())) {

@@ -52,6 +52,7 @@ struct ParameterHeader {
     bool autoRegressive = false;
     std::string predictandName;
     std::vector<std::string> predictorNames;
+    long firstPredictorLine = 0; // the line of the file that names the first predictor
 
     // Columns of an occurrence row before the Box-Cox pair: intercept, the predictor
     // coefficients, the lag coefficient when autoregressive, standard error, R squared.

@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <optional>
+#include <sys/stat.h>
 #include <vector>
 
 using namespace varo::core;
@@ -69,6 +70,7 @@ TEST(IniFile, ByteOrderMarkIsSkippedOnReadAndKeptOnWrite) {
 TEST(IniFile, WritesNeverGoIntoAFileThatIsNoSettingsFile) {
     TempDir dir;
     std::filesystem::create_directories(dir.path("folder.ini"));
+    ASSERT_EQ(::mkfifo(dir.path("pipe.ini").c_str(), 0600), 0);
     const std::string big = "[VARO]\r\n" + std::string(MaxIniFileSize, ';') + "\r\n";
     struct Case {
         std::string name;
@@ -82,6 +84,7 @@ TEST(IniFile, WritesNeverGoIntoAFileThatIsNoSettingsFile) {
         {"keys.ini", "Thresh=1\r\n", "it has no [VARO] section, so it is not a settings file"},
         {"big.ini", big, "it is larger than 1024 KiB, far larger than a settings file"},
         {"folder.ini", std::nullopt, "it is a folder"},
+        {"pipe.ini", std::nullopt, "it is not a regular file"},
         {"empty.ini", "", std::nullopt},
         {"blank.ini", "\r\n  \r\n", std::nullopt},
         {"lower.ini", " [ varo ] \r\nA=1\r\n", std::nullopt},

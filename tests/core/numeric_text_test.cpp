@@ -1,6 +1,8 @@
 #include "core/numeric_text.hpp"
 
+#include <cmath>
 #include <gtest/gtest.h>
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -77,6 +79,13 @@ TEST(Rounding, IntegersTieToEven) {
     EXPECT_EQ(roundHalfEven(-2.5), -2);
     EXPECT_EQ(roundHalfEven(3.6), 4);
     EXPECT_EQ(roundHalfEven(10.5), 10);
+}
+
+TEST(Rounding, IntegersBeyondTheRangeOfLongLongStopAtItsEnds) {
+    EXPECT_EQ(roundHalfEven(1e300), std::numeric_limits<long long>::max());
+    EXPECT_EQ(roundHalfEven(-HUGE_VAL), std::numeric_limits<long long>::min());
+    EXPECT_EQ(roundHalfEven(std::nan("")), 0);
+    EXPECT_EQ(roundHalfEven(9.0e18), 9'000'000'000'000'000'000LL);
 }
 
 TEST(Rounding, DecimalsTieToEvenOnShortestDigits) {

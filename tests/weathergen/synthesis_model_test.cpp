@@ -108,6 +108,15 @@ TEST(ParameterReading, BadFilesNameTheFileLineAndValue) {
     expectFailure(dir.write("k.PAR", nameless), core::failure::TypeMismatch,
                   "Line 13 of '" + dir.path("k.PAR") +
                       "' should name predictor 1 of the 1 that line 1 counts, but holds numbers");
+    std::string year = text;
+    year.replace(year.find(" 366 "), 5, " 367 ");
+    expectFailure(dir.write("m.PAR", year), core::failure::TypeMismatch,
+                  "'367' on line 3 of '" + dir.path("m.PAR") +
+                      "' is not a year length (366, 365 or 360).");
+    expectFailure(dir.write("n.PAR", "\x01\x7f" + text.substr(3)), core::failure::TypeMismatch,
+                  "'\\x01\\x7F' on line 1 of '" + dir.path("n.PAR") + "'");
+    expectFailure(dir.write("o.PAR", "\xEF\xBB\xBF" + year), core::failure::TypeMismatch,
+                  "'367' on line 3");
     std::string huge = text;
     huge.replace(huge.find("0.300"), 5, "1e999");
     expectFailure(dir.write("l.PAR", huge), core::failure::TypeMismatch,
