@@ -1,5 +1,6 @@
-// How a screen's run ends. Every run goes through `guardedRun`, the one place where
-// failures, stops with a message and cancels are caught and answered.
+// How a screen's run begins and ends. Before it writes, a run refuses an output that is one
+// of its inputs (`outputOverInput`); every run goes through `guardedRun`, the one place
+// where failures, stops with a message and cancels are caught and answered.
 #pragma once
 
 #include "core/program_state.hpp"
