@@ -1,6 +1,7 @@
 #include "calibration/day_cube.hpp"
 
 #include "core/failure.hpp"
+#include "core/number_format.hpp"
 #include "core/numeric_text.hpp"
 #include "core/progress.hpp"
 #include "core/record_calendar.hpp"
@@ -147,14 +148,47 @@ DayCube readDayCube(const core::ProgramState& state, const CalibrationData& data
         progress.report(std::min(daysRead, data.fitDays), data.fitDays, Reading);
         progress.throwIfStopped();
     };
-    // The first full day opens the first section of its group.
-    for (;;) {
-        yield();
-        ++daysRead;
-        if (readDay()) {
-            break;
+    // The first full day opens the first section of its group. The search goes on past the
+    // fit end; when the data end first, the person must hear which files held only missing
+    // values, not only which file ended.
+    std::vector<bool> seen(files.size(), false);
+    try {
+        for (;;) {
+            yield();
+            ++daysRead;
+            const bool full = readDay();
+            for (size_t s = 0; s < files.size(); ++s) {
+                seen[s] = seen[s] || day[s] != missing;
+            }
+            if (full) {
+                break;
+            }
+            position.stepDay();
         }
-        position.stepDay();
+    } catch (const core::Failure& failure) {
+        if (failure.number() != core::failure::InputPastEnd) {
+            throw;
+        }
+        std::string empty;
+        int emptyFiles = 0;
+        for (size_t s = 0; s < files.size(); ++s) {
+            if (!seen[s]) {
+                empty += (empty.empty() ? "" : ", ") + std::string("'") + files[s].path() + "'";
+                ++emptyFiles;
+            }
+        }
+        const std::string start = core::formatDate(data.fitStart);
+        throw core::Failure(failure.number(),
+                            (empty.empty()
+                                 ? "No day from the fit start " + start +
+                                       " on has a value in every file: each day has the missing "
+                                       "value code " +
+                                       core::generalText(missing) + " in one file or another."
+                                 : "From the fit start " + start + " to the end of the data, " +
+                                       empty + (emptyFiles == 1 ? " holds" : " hold") +
+                                       " only the missing value code " +
+                                       core::generalText(missing) + ", so no day can be used.") +
+                                " " + failure.description());
     }
     int lastGroup = groupOfMonth(data.modelType, position.month());
     cube.store(lastGroup, day, true);

@@ -3,6 +3,7 @@
 #include "core/failure.hpp"
 #include "core/number_format.hpp"
 #include "core/numeric_text.hpp"
+#include "core/quoted_text.hpp"
 #include "core/series_file.hpp"
 
 #include <charconv>
@@ -143,8 +144,7 @@ public:
             const size_t end = rest.find_first_of(" \t");
             const std::string_view token = rest.substr(0, end);
             double value = 0.0;
-            const auto result = std::from_chars(token.data(), token.data() + token.size(), value);
-            if (result.ec != std::errc() || result.ptr != token.data() + token.size()) {
+            if (core::parseDecimal(token, value) != core::DecimalParse::Number) {
                 fail(std::string(token));
             }
             values.push_back(value);
@@ -162,7 +162,7 @@ public:
 
     [[noreturn]] void fail(const std::string& text) const {
         throw core::Failure(core::failure::TypeMismatch,
-                            "'" + text + "' on line " + std::to_string(line_) +
+                            core::quotedInput(text) + " on line " + std::to_string(line_) +
                                 " of the parameter file '" + path_ + "' is not the " + what_ + ".");
     }
 

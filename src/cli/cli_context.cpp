@@ -1,5 +1,6 @@
 #include "cli/cli_context.hpp"
 
+#include "core/quoted_text.hpp"
 #include "core/settings.hpp"
 #include "screens/navigation.hpp"
 #include "screens/settings_override.hpp"
@@ -64,6 +65,7 @@ void CliDialogs::message(std::string_view title, std::string_view text, screens:
     switch (icon) {
     case screens::Icon::Error:
         err_ << "Error Message: " << plain << '\n';
+        errorShown_ = true;
         break;
     case screens::Icon::Warning:
     case screens::Icon::Exclamation:
@@ -122,13 +124,27 @@ CliContext::CliContext(std::ostream& outStream, std::ostream& errStream)
     : out(outStream), err(errStream), dialogs_(outStream, errStream, options),
       progress_(errStream, &errStream == &std::cerr && ::isatty(2) != 0, options) {}
 
+// A settings file that the load passes over, because it cannot be read or is no settings
+// file, would leave the factory settings in force without a word.
+void CliContext::warnOfIgnoredSettings(const std::string& path) {
+    if (const auto problem = core::settingsFileProblem(path)) {
+        dialogs_.message("Warning", *problem + " None of its settings are in force.",
+                         screens::Icon::Warning);
+    }
+}
+
 int CliContext::prepareState() {
-    screens::startProgram(state, options.settingsFile.empty() ? core::defaultSettingsPath()
-                                                              : options.settingsFile);
+    const std::string settingsFile =
+        options.settingsFile.empty() ? core::defaultSettingsPath() : options.settingsFile;
+    warnOfIgnoredSettings(settingsFile);
+    screens::startProgram(state, settingsFile);
+    if (state.settingsFile != settingsFile) {
+        warnOfIgnoredSettings(state.settingsFile);
+    }
     for (const std::string& assignment : options.overrides) {
         const size_t equals = assignment.find('=');
         if (equals == std::string::npos) {
-            dialogs_.error("--set takes KEY=VALUE, not '" + assignment + "'.");
+            dialogs_.error("--set takes KEY=VALUE, not " + core::quotedInput(assignment) + ".");
             return ExitRefused;
         }
         if (!screens::overrideSetting(state, dialogs_, assignment.substr(0, equals),

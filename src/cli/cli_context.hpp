@@ -61,12 +61,15 @@ public:
 
     // Texts of the warnings shown, for --json reports.
     const std::vector<std::string>& warnings() const { return warnings_; }
+    // True once an "Error Message" has been printed.
+    bool errorShown() const { return errorShown_; }
 
 private:
     std::ostream& out_;
     std::ostream& err_;
     const GlobalOptions& options_;
     std::vector<std::string> warnings_;
+    bool errorShown_ = false;
 };
 
 // A bar on stderr when it is a terminal; Ctrl-C asks for a stop.
@@ -116,6 +119,8 @@ public:
     void reportWritten(std::string_view what, const std::string& path);
 
 private:
+    void warnOfIgnoredSettings(const std::string& path);
+
     CliDialogs dialogs_;
     CliProgress progress_;
 };

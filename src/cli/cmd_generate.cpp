@@ -58,6 +58,12 @@ int runGenerate(CliContext& context, const GenerateOptions& options) {
     screen.eSize.text =
         options.ensemble.value_or(std::string(screens::SynthesizeScreen::DefaultEnsemble));
     const auto outcome = screen.synthesize(context.dialogs(), context.progress());
+    if (outcome == screens::RunOutcome::Cancelled && screen.outputStarted) {
+        context.progress().finish();
+        context.err << "Cancelled: '" << screen.outFilePath
+                    << "' is incomplete: it holds only the days written before the cancel, and '"
+                    << weathergen::simPathFor(screen.outFilePath) << "' is empty.\n";
+    }
     if (outcome == screens::RunOutcome::Done) {
         context.reportWritten("OUT file", screen.outFilePath);
         context.reportWritten("SIM file", weathergen::simPathFor(screen.outFilePath));

@@ -74,6 +74,11 @@ int setSetting(CliContext& context, const std::string& key, const std::string& v
     if (!screens::overrideSetting(context.state, context.dialogs(), key, value)) {
         return ExitRefused;
     }
+    if (const auto problem = core::settingsFileProblem(context.state.settingsFile)) {
+        context.dialogs().error("Sorry, unable to save data to " + context.state.settingsFile +
+                                ".\r\n" + *problem);
+        return ExitRefused;
+    }
     // Every key is written, so that a file made by `settings set` alone loads at start,
     // which needs YearIndicator to be present.
     const std::string_view canonical = screens::canonicalSettingKey(key);
@@ -99,9 +104,8 @@ int resetSettings(CliContext& context) {
     screens::AdvSettingsScreen advanced(context.state);
     settings.reset();
     advanced.reset();
-    settings.save(context.dialogs());
-    advanced.save(context.dialogs());
-    return ExitDone;
+    const bool saved = settings.save(context.dialogs());
+    return advanced.save(context.dialogs()) && saved ? ExitDone : ExitFailed;
 }
 
 } // namespace

@@ -4,6 +4,7 @@
 #include "cli/commands.hpp"
 
 #include "core/numeric_text.hpp"
+#include "core/quoted_text.hpp"
 #include "screens/analyse_screen.hpp"
 #include "screens/stats_select_screen.hpp"
 
@@ -114,7 +115,8 @@ bool setPeriod(CliContext& context, screens::StatsSelectScreen& screen,
     const size_t colon = text->find(':');
     if (colon == std::string::npos) {
         context.dialogs().error(std::string(option) +
-                                " takes START:END (DD/MM/YYYY:DD/MM/YYYY), not '" + *text + "'.");
+                                " takes START:END (DD/MM/YYYY:DD/MM/YYYY), not " +
+                                core::quotedInput(*text) + ".");
         return false;
     }
     screen.startText(period).text = text->substr(0, colon);

@@ -70,6 +70,11 @@ int runTransform(CliContext& context, const TransformOptions& options) {
     setField(screen.lamdaValText, options.lamda);
     setField(screen.leftShiftText, options.shift);
     const auto outcome = screen.transform(context.dialogs(), context.progress());
+    if (outcome == screens::RunOutcome::Cancelled && screen.outputStarted) {
+        context.progress().finish();
+        context.err << "Cancelled: '" << options.output
+                    << "' is incomplete: it holds only what was written before the cancel.\n";
+    }
     if (outcome == screens::RunOutcome::Done) {
         context.reportWritten("Data file", options.output);
         if (!screen.lastReport->copiedSimFile.empty()) {

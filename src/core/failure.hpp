@@ -16,6 +16,8 @@ namespace varo::core {
 namespace failure {
 inline constexpr int Overflow = 5;
 inline constexpr int OverflowOccurred = 6;
+// Not in the table, so its box carries no table line; the description says what ran out.
+inline constexpr int OutOfMemory = 7;
 inline constexpr int FileTooLarge = 9;
 inline constexpr int DivisionByZero = 11;
 inline constexpr int TypeMismatch = 13;

@@ -1,5 +1,7 @@
 #include "core/ini_file.hpp"
 
+#include "core/series_file.hpp"
+
 #include <algorithm>
 #include <cstdio>
 #include <filesystem>
@@ -31,16 +33,15 @@ bool equalNoCase(std::string_view a, std::string_view b) {
            });
 }
 
-// Lines of a file without their line ends (CR LF, LF or CR); empty when it cannot be read.
-std::vector<std::string> readLines(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
+// A file read for its lines: whether it could be read, and why not.
+struct IniText {
+    std::vector<std::string> lines; // without their line ends (CR LF, LF or CR)
+    bool byteOrderMark = false;     // the file started with one; a rewrite keeps it
+    std::optional<std::string> problem;
+};
+
+std::vector<std::string> splitLines(std::string_view text) {
     std::vector<std::string> lines;
-    if (!in) {
-        return lines;
-    }
-    std::stringstream content;
-    content << in.rdbuf();
-    const std::string text = content.str();
     std::string line;
     for (size_t i = 0; i < text.size(); ++i) {
         const char c = text[i];
@@ -60,6 +61,50 @@ std::vector<std::string> readLines(const std::string& path) {
     return lines;
 }
 
+// An absent file reads as no lines and no problem. A file larger than the bound is not
+// read at all: no settings file is that large, and nothing of it is held.
+IniText readIniText(const std::string& path) {
+    namespace fs = std::filesystem;
+    IniText result;
+    std::error_code error;
+    const fs::file_status status = fs::status(path, error);
+    if (!fs::exists(status)) {
+        return result;
+    }
+    if (fs::is_directory(status)) {
+        result.problem = "it is a folder";
+        return result;
+    }
+    // A pipe or a device could make the read wait, or never end.
+    if (!fs::is_regular_file(status)) {
+        result.problem = "it is not a regular file";
+        return result;
+    }
+    const auto size = fs::file_size(path, error);
+    if (!error && size > MaxIniFileSize) {
+        result.problem = "it is larger than " + std::to_string(MaxIniFileSize / 1024) +
+                         " KiB, far larger than a settings file";
+        return result;
+    }
+    std::ifstream in(path, std::ios::binary);
+    std::string text;
+    if (in) {
+        std::stringstream content;
+        content << in.rdbuf();
+        text = content.str();
+    }
+    if (!in && !in.eof()) {
+        result.problem = "it cannot be read";
+        return result;
+    }
+    if (text.compare(0, Utf8ByteOrderMark.size(), Utf8ByteOrderMark) == 0) {
+        result.byteOrderMark = true;
+        text.erase(0, Utf8ByteOrderMark.size());
+    }
+    result.lines = splitLines(text);
+    return result;
+}
+
 // The section name of a header line, empty view when the line is no header.
 std::optional<std::string_view> sectionName(std::string_view line) {
     line = trim(line);
@@ -71,6 +116,21 @@ std::optional<std::string_view> sectionName(std::string_view line) {
         return std::nullopt;
     }
     return trim(line.substr(1, close - 1));
+}
+
+// A file with lines other than blank ones holds the section, or it is some other file.
+std::optional<std::string> notIniProblem(const IniText& text, std::string_view section) {
+    bool blank = true;
+    for (const std::string& line : text.lines) {
+        if (const auto name = sectionName(line); name && equalNoCase(*name, section)) {
+            return std::nullopt;
+        }
+        blank = blank && trim(line).empty();
+    }
+    if (blank) {
+        return std::nullopt;
+    }
+    return "it has no [" + std::string(section) + "] section, so it is not a settings file";
 }
 
 bool isKeyLine(std::string_view line, std::string_view key, std::string_view& value) {
@@ -101,7 +161,7 @@ std::string readProfileString(const std::string& path, std::string_view section,
     const size_t limit = bufferSize > 0 ? bufferSize - 1 : 0;
     const auto fit = [limit](std::string_view text) { return std::string(text.substr(0, limit)); };
     bool inSection = false;
-    for (const std::string& line : readLines(path)) {
+    for (const std::string& line : readIniText(path).lines) {
         if (const auto name = sectionName(line)) {
             inSection = equalNoCase(*name, section);
             continue;
@@ -114,9 +174,18 @@ std::string readProfileString(const std::string& path, std::string_view section,
     return fit(defaultText);
 }
 
+std::optional<std::string> iniFileProblem(const std::string& path, std::string_view section) {
+    const IniText text = readIniText(path);
+    return text.problem ? text.problem : notIniProblem(text, section);
+}
+
 bool writeProfileString(const std::string& path, std::string_view section, std::string_view key,
                         std::string_view value) {
-    std::vector<std::string> lines = readLines(path);
+    const IniText text = readIniText(path);
+    if (text.problem || notIniProblem(text, section)) {
+        return false;
+    }
+    std::vector<std::string> lines = text.lines;
     const std::string keyLine = std::string(key) + "=" + std::string(value);
 
     bool inSection = false;
@@ -164,6 +233,9 @@ bool writeProfileString(const std::string& path, std::string_view section, std::
         std::ofstream out(temporary, std::ios::binary | std::ios::trunc);
         if (!out) {
             return false;
+        }
+        if (text.byteOrderMark) {
+            out << Utf8ByteOrderMark;
         }
         for (const std::string& line : lines) {
             out << line << "\r\n";

@@ -2,8 +2,10 @@
 
 #include "core/number_format.hpp"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <limits>
 #include <string>
 
 namespace varo::core {
@@ -56,6 +58,34 @@ size_t numericPrefixLength(std::string_view text) {
     return end;
 }
 
+// True when the number, digits with at most one point and an optional exponent, lies above
+// the range of doubles rather than below it: its first significant digit stands at a
+// positive power of ten. Only asked of numbers that `std::from_chars` found out of range.
+bool beyondLargest(std::string_view number) {
+    long long exponent = 0;
+    const size_t mark = number.find_first_of("eE");
+    if (mark != std::string_view::npos) {
+        std::string_view digits = number.substr(mark + 1);
+        const bool negative = !digits.empty() && digits.front() == '-';
+        if (!digits.empty() && (digits.front() == '-' || digits.front() == '+')) {
+            digits.remove_prefix(1);
+        }
+        for (const char c : digits) {
+            exponent = std::min(exponent * 10 + (c - '0'), 1'000'000'000'000LL);
+        }
+        exponent = negative ? -exponent : exponent;
+        number = number.substr(0, mark);
+    }
+    const size_t point = std::min(number.find('.'), number.size());
+    const size_t first = number.find_first_not_of("0.");
+    if (first == std::string_view::npos) {
+        return false;
+    }
+    const long long position = first < point ? static_cast<long long>(point - first) - 1
+                                             : -static_cast<long long>(first - point);
+    return position + exponent > 0;
+}
+
 std::string_view skipBlanks(std::string_view text) {
     while (!text.empty() && isBlank(text.front())) {
         text.remove_prefix(1);
@@ -75,13 +105,33 @@ std::string_view trimBlanks(std::string_view text) {
     return text;
 }
 
-bool isNumeric(std::string_view text) {
-    text = skipBlanks(text);
+DecimalParse parseDecimal(std::string_view text, double& value) {
     const size_t length = numericPrefixLength(text);
-    if (length == 0) {
-        return false;
+    if (length == 0 || length != text.size()) {
+        return DecimalParse::NotNumber;
     }
-    return skipBlanks(text.substr(length)).empty();
+    const bool negative = text.front() == '-';
+    if (text.front() == '+' || negative) {
+        text.remove_prefix(1);
+    }
+    double magnitude = 0.0;
+    const auto result = std::from_chars(text.data(), text.data() + text.size(), magnitude,
+                                        std::chars_format::general);
+    if (result.ec == std::errc::result_out_of_range) {
+        if (beyondLargest(text)) {
+            return DecimalParse::OutOfRange;
+        }
+        magnitude = 0.0;
+    } else if (result.ec != std::errc() || result.ptr != text.data() + text.size()) {
+        return DecimalParse::NotNumber;
+    }
+    value = negative ? -magnitude : magnitude;
+    return DecimalParse::Number;
+}
+
+bool isNumeric(std::string_view text) {
+    double value = 0.0;
+    return parseDecimal(trimBlanks(text), value) == DecimalParse::Number;
 }
 
 double leadingNumber(std::string_view text) {
@@ -103,6 +153,16 @@ double leadingNumber(std::string_view text) {
 }
 
 long long roundHalfEven(double value) {
+    // Beyond the range of long long the cast would be undefined; such values only ever meet
+    // range checks, which the largest integers fail as surely.
+    constexpr double Limit = 9.2e18;
+    if (std::isnan(value)) {
+        return 0;
+    }
+    if (value >= Limit || value <= -Limit) {
+        return value > 0 ? std::numeric_limits<long long>::max()
+                         : std::numeric_limits<long long>::min();
+    }
     return static_cast<long long>(std::nearbyint(value));
 }
 

@@ -6,8 +6,21 @@
 
 namespace varo::core {
 
+// How a piece of text reads as one decimal number.
+enum class DecimalParse {
+    Number,     // a number; one too small for a double reads as 0
+    NotNumber,  // not a number at all, or a number with something after it
+    OutOfRange, // a number too large for a double (1e999, a thousand digits)
+};
+
+// The whole text as a decimal number: an optional sign, digits with at most one decimal
+// point (at least one digit), an optional exponent, nothing else. `value` is set only for
+// `DecimalParse::Number`.
+DecimalParse parseDecimal(std::string_view text, double& value);
+
 // Optional blanks, an optional sign, digits with at most one decimal point (at least one
-// digit), an optional exponent, optional blanks. Empty text is not a number.
+// digit), an optional exponent, optional blanks, and a magnitude a double holds. Empty text
+// is not a number.
 bool isNumeric(std::string_view text);
 
 // The longest numeric prefix after leading blanks, or 0 when there is none ("12abc" is 12).
@@ -16,7 +29,8 @@ double leadingNumber(std::string_view text);
 // The text without the blanks and tabs at either end.
 std::string_view trimBlanks(std::string_view text);
 
-// Nearest integer, ties to even (2.5 is 2, 3.5 is 4).
+// Nearest integer, ties to even (2.5 is 2, 3.5 is 4); beyond the range of long long the
+// largest or smallest one, and 0 for not a number.
 long long roundHalfEven(double value);
 
 // Rounds to a number of decimals on the value's shortest decimal digits, ties to even:

@@ -2,6 +2,8 @@
 
 #include "core/failure.hpp"
 #include "core/number_format.hpp"
+#include "core/numeric_text.hpp"
+#include "core/quoted_text.hpp"
 
 #include <cerrno>
 #include <charconv>
@@ -14,34 +16,17 @@ namespace varo::core {
 namespace {
 
 // A reader's buffer. Runs open up to a hundred files at once, and smaller buffers stay in
-// the caches; lines longer than a chunk make the buffer grow.
+// the caches. Tokens and lines are bounded far below a chunk, so the buffer never grows.
 constexpr size_t ReadChunk = 1 << 16;
 constexpr size_t WriteChunk = 1 << 20;
+static_assert(MaxTokenLength < ReadChunk);
+constexpr size_t Zone = PrintZoneWidth;
 
 bool isSeparator(char c) {
     return c == ' ' || c == '\t' || c == '\r' || c == '\n' || c == ',';
 }
 bool isBlank(char c) {
     return c == ' ' || c == '\t';
-}
-bool isDigitOrPoint(char c) {
-    return (c >= '0' && c <= '9') || c == '.';
-}
-
-// A whole token as a decimal number: optional sign, digits with a point, optional exponent.
-// Words such as "inf" and "nan" are not numbers here.
-bool parseNumberToken(const char* first, const char* last, double& value) {
-    const char* start = first;
-    if (start < last && *start == '+') {
-        ++start;
-    }
-    const char* digits = start < last && *start == '-' ? start + 1 : start;
-    if (digits >= last || !isDigitOrPoint(*digits)) {
-        return false;
-    }
-    const auto result = std::from_chars(start, last, value);
-    return result.ptr == last &&
-           (result.ec == std::errc() || result.ec == std::errc::result_out_of_range);
 }
 
 [[noreturn]] void failOpen(const std::string& path, int error, bool forWriting) {
@@ -64,6 +49,11 @@ bool isFolder(const std::string& path) {
     return ::stat(path.c_str(), &info) == 0 && S_ISDIR(info.st_mode);
 }
 
+std::string_view decimalProblem(DecimalParse parse) {
+    return parse == DecimalParse::OutOfRange ? "is a number beyond the range this program holds"
+                                             : "is not a number";
+}
+
 } // namespace
 
 SeriesReader::SeriesReader(const std::string& path) : path_(path), buffer_(ReadChunk) {
@@ -74,6 +64,7 @@ SeriesReader::SeriesReader(const std::string& path) : path_(path), buffer_(ReadC
     if (file_ == nullptr) {
         failOpen(path, errno, false);
     }
+    skipByteOrderMark();
 }
 
 SeriesReader::~SeriesReader() {
@@ -84,8 +75,8 @@ SeriesReader::~SeriesReader() {
 
 SeriesReader::SeriesReader(SeriesReader&& other) noexcept
     : path_(std::move(other.path_)), file_(other.file_), buffer_(std::move(other.buffer_)),
-      pos_(other.pos_), end_(other.end_), eof_(other.eof_), line_(other.line_),
-      previousCR_(other.previousCR_) {
+      pos_(other.pos_), end_(other.end_), dropped_(other.dropped_), lineStart_(other.lineStart_),
+      eof_(other.eof_), line_(other.line_), previousCR_(other.previousCR_) {
     other.file_ = nullptr;
 }
 
@@ -99,6 +90,8 @@ SeriesReader& SeriesReader::operator=(SeriesReader&& other) noexcept {
         buffer_ = std::move(other.buffer_);
         pos_ = other.pos_;
         end_ = other.end_;
+        dropped_ = other.dropped_;
+        lineStart_ = other.lineStart_;
         eof_ = other.eof_;
         line_ = other.line_;
         previousCR_ = other.previousCR_;
@@ -115,6 +108,7 @@ bool SeriesReader::fill() {
     if (pos_ > 0) {
         std::memmove(buffer_.data(), buffer_.data() + pos_, end_ - pos_);
         end_ -= pos_;
+        dropped_ += pos_;
         pos_ = 0;
     }
     if (end_ == buffer_.size()) {
@@ -132,11 +126,23 @@ bool SeriesReader::fill() {
     return true;
 }
 
-void SeriesReader::countLineEnd(char c) {
+// Editors on some systems start a UTF-8 file with a byte-order mark; it is not data.
+void SeriesReader::skipByteOrderMark() {
+    while (end_ < Utf8ByteOrderMark.size() && fill()) {
+    }
+    if (std::string_view(buffer_.data(), end_).substr(0, Utf8ByteOrderMark.size()) ==
+        Utf8ByteOrderMark) {
+        pos_ = Utf8ByteOrderMark.size();
+        lineStart_ = pos_;
+    }
+}
+
+void SeriesReader::countLineEnd(char c, size_t next) {
     if (c == '\r' || (c == '\n' && !previousCR_)) {
         ++line_;
     }
     previousCR_ = c == '\r';
+    lineStart_ = dropped_ + next;
 }
 
 void SeriesReader::skipSeparators() {
@@ -149,7 +155,7 @@ void SeriesReader::skipSeparators() {
             if (c == ' ' || c == '\t' || c == ',') {
                 previousCR_ = false;
             } else if (c == '\n' || c == '\r') {
-                countLineEnd(c);
+                countLineEnd(c, i + 1);
             } else {
                 break;
             }
@@ -178,10 +184,10 @@ void SeriesReader::consumeLineEnd() {
         ++pos_;
     } else if (c == '\r' || c == '\n') {
         ++pos_;
-        countLineEnd(c);
+        countLineEnd(c, pos_);
         if (c == '\r' && (pos_ < end_ || fill()) && buffer_[pos_] == '\n') {
             ++pos_;
-            countLineEnd('\n');
+            countLineEnd('\n', pos_);
         }
     }
 }
@@ -190,33 +196,47 @@ void SeriesReader::failPastEnd() const {
     throw PastEndFailure(path_, lastValueLine_);
 }
 
-double SeriesReader::readNumber() {
-    skipSeparators();
-    if (pos_ >= end_) {
-        failPastEnd();
-    }
+void SeriesReader::failToken(std::string_view token, std::string_view problem) const {
+    const size_t column = dropped_ + pos_ - lineStart_ + 1;
+    throw Failure(failure::TypeMismatch, quotedInput(token) + " on line " + std::to_string(line_) +
+                                             ", column " + std::to_string(column) + " of '" +
+                                             path_ + "' " + std::string(problem) + ".");
+}
+
+// The buffer index just past the token at `pos_`, reading more of the file as needed; a
+// token longer than the bound is refused without reading the rest of it.
+size_t SeriesReader::scanToken() {
     size_t tokenEnd = pos_;
     for (;;) {
         while (tokenEnd < end_ && !isSeparator(buffer_[tokenEnd])) {
             ++tokenEnd;
         }
+        if (tokenEnd - pos_ > MaxTokenLength) {
+            failToken(std::string_view(buffer_.data() + pos_, tokenEnd - pos_),
+                      "is longer than " + std::to_string(MaxTokenLength) +
+                          " characters, so it is not a number");
+        }
         if (tokenEnd < end_) {
-            break;
+            return tokenEnd;
         }
         const size_t offset = tokenEnd - pos_;
         if (!fill()) {
-            tokenEnd = end_;
-            break;
+            return end_;
         }
         tokenEnd = pos_ + offset;
     }
-    const char* first = buffer_.data() + pos_;
-    const char* last = buffer_.data() + tokenEnd;
+}
+
+double SeriesReader::readNumber() {
+    skipSeparators();
+    if (pos_ >= end_) {
+        failPastEnd();
+    }
+    const size_t tokenEnd = scanToken();
+    const std::string_view token(buffer_.data() + pos_, tokenEnd - pos_);
     double value = 0.0;
-    if (!parseNumberToken(first, last, value)) {
-        throw Failure(failure::TypeMismatch, "'" + std::string(first, last) + "' on line " +
-                                                 std::to_string(line_) + " of '" + path_ +
-                                                 "' is not a number.");
+    if (const DecimalParse parse = parseDecimal(token, value); parse != DecimalParse::Number) {
+        failToken(token, decimalProblem(parse));
     }
     pos_ = tokenEnd;
     lastValueLine_ = line_;
@@ -237,16 +257,22 @@ std::string SeriesReader::readLine() {
         }
         text.append(buffer_.data() + pos_, i - pos_);
         pos_ = i;
+        if (text.size() > MaxLineLength) {
+            throw Failure(failure::TypeMismatch,
+                          "Line " + std::to_string(line_) + " of '" + path_ + "' is longer than " +
+                              std::to_string(MaxLineLength) + " characters; it starts " +
+                              quotedInput(text) + ".");
+        }
         if (pos_ < end_ || !fill()) {
             break;
         }
     }
     if (pos_ < end_) {
         const char c = buffer_[pos_++];
-        countLineEnd(c);
+        countLineEnd(c, pos_);
         if (c == '\r' && (pos_ < end_ || fill()) && buffer_[pos_] == '\n') {
             ++pos_;
-            countLineEnd('\n');
+            countLineEnd('\n', pos_);
         }
     }
     previousCR_ = false;
@@ -258,35 +284,43 @@ bool SeriesReader::atEnd() {
     return pos_ >= end_;
 }
 
-double zoneField(std::string_view line, int k) {
-    const size_t start = static_cast<size_t>(14 * (k - 1));
-    if (start >= line.size()) {
-        return 0.0;
+std::string zoneProblem(std::string_view line, int k, double& value) {
+    const size_t start = static_cast<size_t>(Zone * static_cast<size_t>(k - 1));
+    const std::string_view zone =
+        start < line.size() ? line.substr(start, Zone) : std::string_view();
+    const std::string_view text = trimBlanks(zone);
+    if (text.empty()) {
+        return "is empty where a number must stand";
     }
-    std::string_view field = line.substr(start, 14);
-    while (!field.empty() && isBlank(field.front())) {
-        field.remove_prefix(1);
+    const auto filled = [&](size_t from) {
+        return line.substr(from, Zone).find_first_of(" \t") == std::string_view::npos &&
+               from + Zone <= line.size();
+    };
+    if (start > 0 && !isBlank(line[start - 1]) && !isBlank(zone.front()) && !filled(start - Zone)) {
+        return "holds " + quotedInput(text) + ", part of a number that runs over from column " +
+               std::to_string(k - 1);
     }
-    size_t length = 0;
-    // The leading number: sign, digits, point, exponent.
-    if (length < field.size() && (field[length] == '-' || field[length] == '+')) {
-        ++length;
+    const size_t next = start + Zone;
+    if (next < line.size() && !isBlank(line[next]) && !isBlank(line[next - 1]) && !filled(start)) {
+        return "holds " + quotedInput(text) + ", part of a number that runs over into column " +
+               std::to_string(k + 1);
     }
-    while (length < field.size() &&
-           ((field[length] >= '0' && field[length] <= '9') || field[length] == '.' ||
-            field[length] == 'e' || field[length] == 'E' ||
-            ((field[length] == '-' || field[length] == '+') &&
-             (field[length - 1] == 'e' || field[length - 1] == 'E')))) {
-        ++length;
+    const DecimalParse parse = parseDecimal(text, value);
+    if (parse == DecimalParse::Number) {
+        return {};
     }
-    std::string_view number = field.substr(0, length);
-    if (!number.empty() && number.front() == '+') {
-        number.remove_prefix(1);
-    }
+    return "holds " + quotedInput(text) + ", which " + std::string(decimalProblem(parse));
+}
+
+double zoneNumber(std::string_view line, int k, long lineNumber, const std::string& path) {
     double value = 0.0;
-    const auto result = std::from_chars(number.data(), number.data() + number.size(), value);
-    if (result.ec != std::errc()) {
-        return 0.0;
+    const std::string problem = zoneProblem(line, k, value);
+    if (!problem.empty()) {
+        const size_t start = static_cast<size_t>(Zone * static_cast<size_t>(k - 1));
+        throw Failure(failure::TypeMismatch,
+                      "Column " + std::to_string(k) + " (characters " + std::to_string(start + 1) +
+                          " to " + std::to_string(start + Zone) + ") of line " +
+                          std::to_string(lineNumber) + " of '" + path + "' " + problem + ".");
     }
     return value;
 }
@@ -378,6 +412,12 @@ std::optional<std::string> readFirstLine(const std::string& path, size_t maxLeng
         line += static_cast<char>(c);
     }
     return line;
+}
+
+void refuseFolder(const std::string& path) {
+    if (isFolder(path)) {
+        failOpen(path, EISDIR, true);
+    }
 }
 
 std::string bareFileName(std::string_view path) {

@@ -99,6 +99,13 @@ std::string readSetting(const std::string& path, std::string_view key) {
     return readProfileString(path, SettingsSection, key, MissingText, buffer);
 }
 
+std::optional<std::string> settingsFileProblem(const std::string& path) {
+    if (const auto problem = iniFileProblem(path, SettingsSection)) {
+        return "The settings file '" + path + "' is not used: " + *problem + ".";
+    }
+    return std::nullopt;
+}
+
 bool textStartsTrue(std::string_view text) {
     return text.substr(0, 4) == "True";
 }

@@ -8,6 +8,7 @@
 
 #include "core/program_state.hpp"
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -34,6 +35,12 @@ std::string writtenSettingValue(const ProgramState& state, std::string_view key)
 // "True" when the first four characters say so; "False" likewise with five.
 bool textStartsTrue(std::string_view text);
 bool textStartsFalse(std::string_view text);
+
+// Why the settings file at `path` can be neither read nor saved to, as a sentence that
+// names it ("The settings file 'data.dat' is not used: it has no [VARO] section, so it is
+// not a settings file."), or nothing when it is absent or a settings file. A settings file
+// is recognised by its [VARO] section header; an empty file counts as one.
+std::optional<std::string> settingsFileProblem(const std::string& path);
 
 // Silent load at start: keys in the fixed order, each absent or unusable key leaving its
 // field alone; a file without YearIndicator changes nothing at all. From the INIFile key

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <optional>
 #include <utility>
 
 namespace varo::dataprep {
@@ -192,11 +193,11 @@ double optimumLamda(const LamdaSearchColumn& column, double missingCode, core::P
 
 BoxCoxResult boxCoxFile(const std::string& inPath, const std::string& outPath, int columns,
                         double missingCode, core::Progress& progress) {
-    core::SeriesReader reader(inPath);
-    core::TextFileWriter writer(outPath);
     stopUnlessSingleColumn(
         columns <= 1,
         "Sorry - Box Cox transformation can only be applied to single column data files.");
+    core::SeriesReader reader(inPath);
+    std::optional<core::TextFileWriter> writer;
     BoxCoxResult result;
     try {
         std::vector<double> values;
@@ -230,18 +231,21 @@ BoxCoxResult boxCoxFile(const std::string& inPath, const std::string& outPath, i
             }
         }
         result.lamda = optimumLamda(LamdaSearchColumn(column), missingCode, progress);
+        // Created only now: the search can fail or be cancelled, and an earlier output of
+        // the same name stays as it is until there is something to write.
+        writer.emplace(outPath);
 
         const std::string missingText = core::printNumber(missingCode);
         const double lamda = result.lamda;
         const double shift = result.shift;
         for (const double value : values) {
             if (value == missingCode) {
-                writer.writeLine(missingText);
+                writer->writeLine(missingText);
                 continue;
             }
             const double x = value + shift;
             if (lamda == 0 && x == 0) {
-                writer.writeLine(missingText);
+                writer->writeLine(missingText);
                 ++result.counts.notConverted;
                 continue;
             }
@@ -253,10 +257,13 @@ BoxCoxResult boxCoxFile(const std::string& inPath, const std::string& outPath, i
             } else {
                 written = -1 / lamda - shift;
             }
-            writer.writeLine(sixDecimals().format(written));
+            writer->writeLine(sixDecimals().format(written));
         }
-        writer.close();
+        writer->close();
     } catch (const core::Failure& failure) {
+        if (!writer) {
+            throw;
+        }
         throw incompleteOutputFailure(failure, outPath);
     }
     return result;
@@ -265,10 +272,10 @@ BoxCoxResult boxCoxFile(const std::string& inPath, const std::string& outPath, i
 TransformCounts unBoxCoxFile(const std::string& inPath, const std::string& outPath, int columns,
                              double lamda, double shift, double missingCode,
                              core::Progress& progress) {
-    core::SeriesReader reader(inPath);
-    core::TextFileWriter writer(outPath);
     stopUnlessSingleColumn(columns < 2, "Sorry - Inverse Box Cox transformation can only be "
                                         "applied to single column data files.");
+    core::SeriesReader reader(inPath);
+    core::TextFileWriter writer(outPath);
     TransformCounts counts;
     try {
         const std::string missingText = core::printNumber(missingCode);

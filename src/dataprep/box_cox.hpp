@@ -68,7 +68,8 @@ double optimumLamda(const LamdaSearchColumn& column, double missingCode, core::P
 // The forward run on `inPath` into `outPath` (replaced). Stops the run with its message
 // when `columns` is more than 1 or fewer than 50 values are not missing; fails with 9
 // past 92000 values. Throws `core::Failure` for file failures and overflow,
-// `core::Cancelled` on a stop request.
+// `core::Cancelled` on a stop request. The output is created only once the lamda has been
+// found, so that none of these leaves an earlier output changed.
 BoxCoxResult boxCoxFile(const std::string& inPath, const std::string& outPath, int columns,
                         double missingCode, core::Progress& progress);
 

@@ -279,6 +279,26 @@ TransformCounts transformFile(const std::string& inPath, const std::string& outP
     return job.counts;
 }
 
+void checkTransformInput(const std::string& inPath, int columns, core::Progress& progress) {
+    core::SeriesReader reader(inPath);
+    long values = 0;
+    while (!reader.atEnd()) {
+        if ((values & 0xFFFF) == 0) {
+            progress.throwIfStopped();
+        }
+        reader.readNumber();
+        ++values;
+    }
+    const long filled = values % columns;
+    if (filled != 0) {
+        throw core::Failure(core::failure::InputPastEnd,
+                            "'" + inPath + "' ends part way through row " +
+                                std::to_string(values / columns + 1) + ": its " +
+                                std::to_string(values) + " values do not fill rows of " +
+                                std::to_string(columns) + " columns.");
+    }
+}
+
 core::Failure incompleteOutputFailure(const core::Failure& failure, const std::string& outPath) {
     return core::Failure(failure.number(), failure.description() + "\r\nThe output file '" +
                                                outPath +

@@ -98,6 +98,12 @@ inline constexpr int MaxColumns = 100;
 TransformCounts transformFile(const std::string& inPath, const std::string& outPath,
                               const TransformSettings& settings, core::Progress& progress);
 
+// Reads the whole input once before a run writes anything, so that a value that is not a
+// number, or a last row that `columns` values do not fill, refuses the run with the failure
+// the run would meet (13 or 62) while every output is still as it was. Throws
+// `core::Cancelled` on a stop request.
+void checkTransformInput(const std::string& inPath, int columns, core::Progress& progress);
+
 // The lines of the "Transformation complete" box, joined by carriage return and line feed.
 std::string transformReportText(const TransformCounts& counts, bool extraction, double missingCode);
 

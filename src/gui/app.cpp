@@ -1,6 +1,7 @@
 #include "gui/app.hpp"
 
 #include "core/failure.hpp"
+#include "core/settings.hpp"
 #include "gui/charts/chart_screenshots.hpp"
 #include "gui/help_viewer.hpp"
 #include "gui/main_window.hpp"
@@ -124,8 +125,13 @@ int runDesktop(QApplication& app) {
     parser.process(app);
 
     core::ProgramState state;
-    screens::startProgram(state, parser.isSet(settings) ? parser.value(settings).toStdString()
-                                                        : core::defaultSettingsPath());
+    const std::string settingsFile =
+        parser.isSet(settings) ? parser.value(settings).toStdString() : core::defaultSettingsPath();
+    // The load at start shows no box; a file it passes over is named where a shell sees it.
+    if (const auto problem = core::settingsFileProblem(settingsFile)) {
+        std::cerr << "varo-gui: warning: " << *problem << " None of its settings are in force.\n";
+    }
+    screens::startProgram(state, settingsFile);
     // A picture is taken without waiting for a click: boxes go to the error stream.
     SampleDialogs pictureDialogs(std::cerr);
     const bool picture = parser.isSet(screenshot);

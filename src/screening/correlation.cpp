@@ -3,6 +3,7 @@
 #include "core/failure.hpp"
 #include "core/number_format.hpp"
 
+#include <algorithm>
 #include <cmath>
 #include <map>
 #include <tuple>
@@ -81,6 +82,25 @@ double partialPValue(double p, long n, float pi) {
     return screeningProbability(t, n, pi);
 }
 
+namespace {
+
+// Which files hold nothing but the missing value code in the period, when any do: that is
+// why no row counts.
+std::string allMissingNote(const ScreeningData& data, double missing) {
+    std::string note;
+    for (size_t s = 0; s < std::min(data.names.size(), data.series.size()); ++s) {
+        const auto& values = data.series[s];
+        if (!values.empty() && std::all_of(values.begin(), values.end(),
+                                           [missing](double v) { return v == missing; })) {
+            note += " '" + data.names[s] + "' holds only the missing value code " +
+                    core::generalText(missing) + " in the analysis period.";
+        }
+    }
+    return note;
+}
+
+} // namespace
+
 CorrelationResult correlate(const ScreeningData& data, bool conditional,
                             const core::ProgramState& state) {
     const size_t count = data.seriesCount();
@@ -89,7 +109,8 @@ CorrelationResult correlate(const ScreeningData& data, bool conditional,
     if (result.n < 2) {
         throw core::Failure(core::failure::DivisionByZero,
                             "Only " + std::to_string(result.n) +
-                                " rows of the analysis period count, too few to correlate.");
+                                " rows of the analysis period count, too few to correlate." +
+                                allMissingNote(data, state.globalMissingCode));
     }
     const double n = static_cast<double>(result.n);
     result.mean.resize(count);

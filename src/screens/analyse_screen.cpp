@@ -29,17 +29,13 @@ bool isBlankText(const std::string& text) {
     return text.find_first_not_of(" \t") == std::string::npos;
 }
 
-// The SIM file beside an OUT file, when it can be read and names a year length of 360,
-// 365 or 366 days.
-std::optional<weathergen::SimulationDescription> readDescription(const std::string& outPath) {
+// The SIM file beside an OUT file, or in `problem` what kept it from being read.
+std::optional<weathergen::SimulationDescription> readDescription(const std::string& outPath,
+                                                                 std::string& problem) {
     try {
-        auto description = weathergen::readSimulationDescription(weathergen::simPathFor(outPath));
-        const int length = description.yearIndicator;
-        if (length != 360 && length != 365 && length != 366) {
-            return std::nullopt;
-        }
-        return description;
-    } catch (const core::Failure&) {
+        return weathergen::readSimulationDescription(weathergen::simPathFor(outPath));
+    } catch (const core::Failure& failure) {
+        problem = failure.description();
         return std::nullopt;
     }
 }
@@ -178,10 +174,12 @@ bool AnalyseScreen::showFileDetails(Dialogs& dialogs) {
                       "for observed data.");
         return false;
     }
-    const auto description = readDescription(inputFileText);
+    std::string problem;
+    const auto description = readDescription(inputFileText, problem);
     if (!description) {
         dialogs.error("Sorry - an error has occurred opening the SIM file.  Please check "
-                      "settings and try again.");
+                      "settings and try again.\r\n" +
+                      problem);
         return false;
     }
     showDetails(*description);
@@ -214,8 +212,9 @@ bool AnalyseScreen::checkEndDate(Dialogs& dialogs) {
     return ok;
 }
 
-std::optional<std::string> AnalyseScreen::runRefusal(
-    const std::optional<weathergen::SimulationDescription>& description) const {
+std::optional<std::string>
+AnalyseScreen::runRefusal(const std::optional<weathergen::SimulationDescription>& description,
+                          const std::string& simProblem) const {
     const bool modelled = sourceButton == Source::Modelled;
     if (isBlankText(inputFileText)) {
         return "You must select a data file first.";
@@ -232,7 +231,7 @@ std::optional<std::string> AnalyseScreen::runRefusal(
         return "Ensemble member does not exist in data file.";
     }
     if (modelled && !description) {
-        return std::string(SimReadMessage);
+        return std::string(SimReadMessage) + "\r\n" + simProblem;
     }
     if (oneMember && isBlankText(ensembleNumber.text)) {
         return "You must enter an ensemble member if you do not wish to analyse the mean.";
@@ -406,10 +405,11 @@ RunOutcome AnalyseScreen::run(Dialogs& dialogs, core::Progress& progress) {
     resultsPath.clear();
     const bool modelled = sourceButton == Source::Modelled;
     std::optional<weathergen::SimulationDescription> description;
+    std::string simProblem;
     if (modelled && !isBlankText(inputFileText) && isOutFile(inputFileText)) {
-        description = readDescription(inputFileText);
+        description = readDescription(inputFileText, simProblem);
     }
-    if (auto refusal = runRefusal(description)) {
+    if (auto refusal = runRefusal(description, simProblem)) {
         dialogs.error(*refusal);
         return RunOutcome::Refused;
     }
@@ -418,6 +418,14 @@ RunOutcome AnalyseScreen::run(Dialogs& dialogs, core::Progress& progress) {
     }
     const statistics::AnalysisRequest request = buildRequest(description);
     if (auto refusal = periodBeforeData(request)) {
+        dialogs.error(*refusal);
+        return RunOutcome::Refused;
+    }
+    std::vector<std::string> inputs{inputFileText};
+    if (description) {
+        inputs.push_back(weathergen::simPathFor(inputFileText));
+    }
+    if (auto refusal = outputOverInput(state_, {saveFileText}, inputs)) {
         dialogs.error(*refusal);
         return RunOutcome::Refused;
     }

@@ -86,7 +86,8 @@ public:
 
 private:
     std::optional<std::string>
-    runRefusal(const std::optional<weathergen::SimulationDescription>& description) const;
+    runRefusal(const std::optional<weathergen::SimulationDescription>& description,
+               const std::string& simProblem) const;
     void showDetails(const weathergen::SimulationDescription& description);
     void showDays();
     statistics::AnalysisRequest

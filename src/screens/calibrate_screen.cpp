@@ -222,6 +222,12 @@ bool CalibrateScreen::checkInputs(Dialogs& dialogs) {
     return true;
 }
 
+std::vector<std::string> CalibrateScreen::inputPaths() const {
+    std::vector<std::string> paths{predictandPath};
+    paths.insert(paths.end(), selectedPredictors.begin(), selectedPredictors.end());
+    return paths;
+}
+
 calibration::CalibrationRequest CalibrateScreen::request() const {
     calibration::CalibrationRequest r;
     r.data.predictandPath = predictandPath;
@@ -249,6 +255,10 @@ RunOutcome CalibrateScreen::calibrate(Dialogs& dialogs, core::Progress& progress
     stepwiseLines.clear();
     silentStopReason.clear();
     if (!checkInputs(dialogs)) {
+        return RunOutcome::Refused;
+    }
+    if (const auto refusal = outputOverInput(state_, {parFileText}, inputPaths())) {
+        dialogs.error(*refusal);
         return RunOutcome::Refused;
     }
     if (state_.applyStepwise && !dialogs.askYesNo("Cancel?", StepwiseQuestion, Icon::Question)) {

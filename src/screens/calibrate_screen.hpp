@@ -111,6 +111,7 @@ private:
     bool checkInputs(Dialogs& dialogs);
     bool checkParFileName(Dialogs& dialogs);
     calibration::CalibrationRequest request() const;
+    std::vector<std::string> inputPaths() const;
     void updateNoOfDays();
     void cleanup();
 

@@ -1,6 +1,9 @@
 #include "screens/screen_run.hpp"
 
 #include "core/failure.hpp"
+#include "core/output_paths.hpp"
+
+#include <new>
 
 namespace varo::screens {
 
@@ -19,7 +22,19 @@ RunOutcome guardedRun(Dialogs& dialogs, const std::function<RunOutcome()>& body,
     } catch (const core::Cancelled&) {
         cleanup();
         return RunOutcome::Cancelled;
+    } catch (const std::bad_alloc&) {
+        dialogs.error(core::reportFailureText(core::failure::OutOfMemory, OutOfMemoryText));
+        cleanup();
+        return RunOutcome::Failed;
     }
+}
+
+std::optional<std::string> outputOverInput(const core::ProgramState& state,
+                                           const std::vector<std::string>& outputs,
+                                           std::vector<std::string> inputs) {
+    inputs.push_back(state.settingsFile);
+    inputs.push_back(state.defaultSettingsFile);
+    return core::outputOverInput(outputs, inputs);
 }
 
 } // namespace varo::screens

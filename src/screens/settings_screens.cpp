@@ -56,6 +56,12 @@ bool saveKeys(const core::ProgramState& state, const std::vector<std::string_vie
     return firstWritten;
 }
 
+// The reason a save failed, as a line to follow its message, when there is one to tell.
+std::string whyNotSaved(const std::string& path) {
+    const auto problem = core::settingsFileProblem(path);
+    return problem ? "\r\n" + *problem : std::string();
+}
+
 std::optional<bool> trueOrFalse(const std::string& value) {
     if (core::textStartsTrue(value)) {
         return true;
@@ -278,15 +284,17 @@ void SettingsScreen::load(Dialogs& dialogs) {
     showState();
 }
 
-void SettingsScreen::save(Dialogs& dialogs) {
+bool SettingsScreen::save(Dialogs& dialogs) {
     apply(dialogs);
     if (!saveKeys(state_, core::SettingsScreenKeys)) {
         dialogs.error("Sorry, unable to save data to " + state_.settingsFile + ".\r\n" +
-                      "Please check file name and path in advanced settings.");
-        return;
+                      "Please check file name and path in advanced settings." +
+                      whyNotSaved(state_.settingsFile));
+        return false;
     }
     dialogs.message("Settings Saved", "Settings saved to " + state_.settingsFile + ".",
                     Icon::Information);
+    return true;
 }
 
 // ---------------------------------------------------------------------------------------
@@ -528,15 +536,17 @@ void AdvSettingsScreen::load(Dialogs& dialogs) {
     showState();
 }
 
-void AdvSettingsScreen::save(Dialogs& dialogs) {
+bool AdvSettingsScreen::save(Dialogs& dialogs) {
     apply(dialogs);
     if (!saveKeys(state_, core::AdvSettingsScreenKeys)) {
         dialogs.error("Sorry, unable to save data to " + state_.settingsFile + ".\r\n" +
-                      "Please check file name and path of settings file.");
-        return;
+                      "Please check file name and path of settings file." +
+                      whyNotSaved(state_.settingsFile));
+        return false;
     }
     dialogs.message("Settings Saved", "Advanced settings saved to " + state_.settingsFile + ".",
                     Icon::Information);
+    return true;
 }
 
 } // namespace varo::screens

@@ -41,7 +41,8 @@ public:
     bool apply(Dialogs& dialogs);
     void reset();
     void load(Dialogs& dialogs);
-    void save(Dialogs& dialogs);
+    // False when the settings could not be saved; the box has said why.
+    bool save(Dialogs& dialogs);
     // Shows the state's values in the controls.
     void showState();
 
@@ -85,7 +86,8 @@ public:
     bool apply(Dialogs& dialogs);
     void reset();
     void load(Dialogs& dialogs);
-    void save(Dialogs& dialogs);
+    // False when the settings could not be saved; the box has said why.
+    bool save(Dialogs& dialogs);
     void showState();
 
 private:

@@ -214,6 +214,7 @@ RunOutcome SynthesizeScreen::synthesize(Dialogs& dialogs, core::Progress& progre
         !checkOutputFile(dialogs) || !checkParameterFile(dialogs)) {
         return RunOutcome::Refused;
     }
+    outputStarted = false;
     weathergen::SynthesisRequest request;
     request.parameterPath = parFilePath;
     request.predictorFolder = predictorFolder;
@@ -224,9 +225,16 @@ RunOutcome SynthesizeScreen::synthesize(Dialogs& dialogs, core::Progress& progre
     return guardedRun(
         dialogs,
         [&] {
-            weathergen::synthesize(
+            weathergen::SynthesisRun run(
                 request, state_, progress,
                 [&](const weathergen::ParameterHeader& header) { showHeader(header, true); });
+            if (const auto refusal = outputOverInput(state_, run.outputPaths(), run.inputPaths())) {
+                dialogs.error(*refusal);
+                cleanup();
+                return RunOutcome::Refused;
+            }
+            outputStarted = true;
+            run.writeOutputs(progress);
             dialogs.message("Results", "Synthesis completed.", Icon::Information);
             cleanup();
             return RunOutcome::Done;

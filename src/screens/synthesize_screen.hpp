@@ -50,6 +50,9 @@ public:
     std::vector<std::string> predictorList; // the predictand's name, then the predictors'
     std::string autoRegressLabel{UnknownLabel};
     std::string processLabel{UnknownLabel};
+    // Set once the last run created its OUT and SIM files: a run that ends early after
+    // that leaves them incomplete.
+    bool outputStarted = false;
 
     void chooseParFile(const std::string& path);
     void chooseOutFile(const std::string& path);
@@ -62,7 +65,9 @@ public:
     bool checkParameterFile(Dialogs& dialogs);
     // "View Details": fills the screen from the parameter file without a run.
     RunOutcome viewDetails(Dialogs& dialogs);
-    // The toolbar's synthesize key: the checks in order, then the run.
+    // The toolbar's synthesize key: the checks in order, then the run. Everything the run
+    // reads is read and checked before its first file is written; an OUT or SIM path that
+    // is one of those inputs refuses the run.
     RunOutcome synthesize(Dialogs& dialogs, core::Progress& progress);
     // The toolbar's reset key: every field back to its default.
     void reset();

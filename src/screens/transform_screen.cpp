@@ -203,12 +203,36 @@ RunOutcome TransformScreen::runChecks(Dialogs& dialogs) {
         dialogs.error("You cannot extract a column from a file with only one column.");
         return RunOutcome::Refused;
     }
+    if (const auto refusal = outputOverInput()) {
+        dialogs.error(*refusal);
+        return RunOutcome::Refused;
+    }
     return RunOutcome::Done;
+}
+
+// The output, and the description file's copy, must not be a file the run reads.
+std::optional<std::string> TransformScreen::outputOverInput() const {
+    std::vector<std::string> inputs{inputPath};
+    if (simCheck) {
+        inputs.push_back(dataprep::descriptionCopySource(inputPath));
+    }
+    if (auto refusal = screens::outputOverInput(state_, {outputPath}, inputs)) {
+        return refusal;
+    }
+    if (simCheck) {
+        return screens::outputOverInput(
+            state_, {dataprep::descriptionCopyTarget(inputPath, outputPath)}, {inputPath});
+    }
+    return std::nullopt;
 }
 
 TransformScreen::Report TransformScreen::runOperation(core::Progress& progress) {
     namespace code = dataprep::transform;
     Report report;
+    // Everything that can refuse the run does so before the first file is written.
+    core::refuseFolder(outputPath);
+    const bool boxCox = option == code::BoxCox || option == code::UnBoxCox;
+    dataprep::checkTransformInput(inputPath, boxCox ? 1 : columns, progress);
     if (simCheck) {
         report.copiedSimFile = dataprep::copyDescriptionFile(inputPath, outputPath);
     }
@@ -221,6 +245,7 @@ TransformScreen::Report TransformScreen::runOperation(core::Progress& progress) 
         report.shift = result.shift;
         report.text = dataprep::boxCoxReportText(result, missingCode);
     } else if (option == code::UnBoxCox) {
+        outputStarted = true;
         report.counts = dataprep::unBoxCoxFile(inputPath, outputPath, columns, lamda, shift,
                                                missingCode, progress);
         report.text = dataprep::unBoxCoxReportText(report.counts, missingCode);
@@ -234,6 +259,7 @@ TransformScreen::Report TransformScreen::runOperation(core::Progress& progress) 
         settings.extract = extractEnsembleCheck;
         settings.extractColumn = ensemble;
         settings.missingCode = missingCode;
+        outputStarted = true;
         report.counts = dataprep::transformFile(inputPath, outputPath, settings, progress);
         report.text =
             dataprep::transformReportText(report.counts, extractEnsembleCheck, missingCode);
@@ -243,6 +269,7 @@ TransformScreen::Report TransformScreen::runOperation(core::Progress& progress) 
 
 RunOutcome TransformScreen::transform(Dialogs& dialogs, core::Progress& progress) {
     lastReport.reset();
+    outputStarted = false;
     if (const RunOutcome checked = runChecks(dialogs); checked != RunOutcome::Done) {
         return checked;
     }

@@ -59,6 +59,9 @@ public:
         std::string copiedSimFile; // the description file's copy, when one was made
     };
     std::optional<Report> lastReport;
+    // Set once the last run began writing its output as it read (a Box-Cox run writes only
+    // at its end): a run that ends early after that leaves the output incomplete.
+    bool outputStarted = false;
 
     // "Wrap numbers round or fill gaps with missing code (-999) "
     std::string wrapCaption() const;
@@ -86,6 +89,7 @@ public:
 
 private:
     RunOutcome runChecks(Dialogs& dialogs);
+    std::optional<std::string> outputOverInput() const;
     Report runOperation(core::Progress& progress);
 
     core::ProgramState& state_;

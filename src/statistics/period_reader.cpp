@@ -6,33 +6,6 @@
 
 namespace varo::statistics {
 
-namespace {
-
-bool startsNumber(char c) {
-    return (c >= '0' && c <= '9') || c == '-' || c == '+' || c == '.';
-}
-
-// Member k's value of an OUT line; a field with no number in it is refused.
-double memberField(const std::string& line, int k, long lineNumber, const std::string& path) {
-    const size_t start = static_cast<size_t>(14 * (k - 1));
-    size_t first = start;
-    while (first < line.size() && first < start + 14 &&
-           (line[first] == ' ' || line[first] == '\t')) {
-        ++first;
-    }
-    if (first >= line.size() || first >= start + 14 || !startsNumber(line[first])) {
-        const std::string text = start < line.size() ? line.substr(start, 14) : std::string();
-        throw core::Failure(core::failure::TypeMismatch,
-                            "Line " + std::to_string(lineNumber) + " of '" + path +
-                                "' holds no number for ensemble member " + std::to_string(k) +
-                                " (characters " + std::to_string(start + 1) + " to " +
-                                std::to_string(start + 14) + ": '" + text + "').");
-    }
-    return core::zoneField(line, k);
-}
-
-} // namespace
-
 std::vector<PeriodDay> periodDays(const core::CalendarRule& calendar, const core::Date& start,
                                   const core::Date& end) {
     std::vector<PeriodDay> days;
@@ -87,7 +60,7 @@ PeriodValues readPeriodValues(const DataSource& source, const core::Date& start,
         const std::string line = reader.readLine();
         for (int k = 1; k <= source.memberCount; ++k) {
             period.values[static_cast<size_t>(k - 1) * dayCount + d] =
-                memberField(line, k, lineNumber, source.path);
+                core::zoneNumber(line, k, lineNumber, source.path);
         }
     }
     return period;

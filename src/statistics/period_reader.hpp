@@ -3,8 +3,8 @@
 // by the calendar of the file's own year length.
 //
 // A file of one member is read free-format, one number a day. A file of several members
-// (an OUT file) is read a line a day, member k being the leading number of characters
-// 14k - 13 to 14k.
+// (an OUT file) is read a line a day, member k being the number in characters 14k - 13 to
+// 14k, which must hold that number and nothing else.
 #pragma once
 
 #include "core/dates.hpp"
@@ -43,8 +43,8 @@ std::vector<PeriodDay> periodDays(const core::CalendarRule& calendar, const core
 
 // Reads the period. Reports "Skipping Unnecessary Data" and "Reading in Data" once a day
 // and throws `core::Cancelled` on a stop. A file that ends early fails with 62 and a
-// description naming the dates read by; a member's field that holds no number fails with 13
-// naming the file, line, member and text.
+// description naming the dates read by; a member's field that holds anything but one number
+// fails with 13 naming the file, line, column and text.
 PeriodValues readPeriod(const DataSource& source, const core::Date& start, const core::Date& end,
                         core::Progress& progress);
 

@@ -4,6 +4,7 @@
 #include "core/failure.hpp"
 #include "core/number_format.hpp"
 #include "core/numeric_text.hpp"
+#include "core/quoted_text.hpp"
 
 namespace varo::weathergen {
 
@@ -11,59 +12,83 @@ namespace {
 
 const core::NumberFormat OutFormat("#####0.000");
 
+// Reads the items one a line; every problem names the file, the line, the item expected
+// and what stands there instead.
 class DescriptionReader {
 public:
     explicit DescriptionReader(const std::string& path) : reader_(path), path_(path) {}
 
-    std::string text() {
+    std::string text(const std::string& what) {
         ++line_;
-        return std::string(core::trimBlanks(reader_.readLine()));
+        try {
+            return std::string(core::trimBlanks(reader_.readLine()));
+        } catch (const core::Failure& failure) {
+            if (failure.number() != core::failure::InputPastEnd) {
+                throw;
+            }
+            throw core::Failure(failure.number(), "The SIM file '" + path_ + "' ends after line " +
+                                                      std::to_string(line_ - 1) + ", where line " +
+                                                      std::to_string(line_) + " should hold the " +
+                                                      what + ".");
+        }
     }
 
-    long integer(long low, long high) {
-        const std::string value = text();
+    long integer(const std::string& what, long low, long high) {
+        const std::string value = text(what);
         if (!core::isNumeric(value)) {
-            fail(value, "is not a number");
+            fail(value, what, "is not a number");
         }
         const long long number = core::roundHalfEven(core::leadingNumber(value));
         if (number < low || number > high) {
-            fail(value, "is out of range");
+            fail(value, what,
+                 "lies outside " + std::to_string(low) + " to " + std::to_string(high));
         }
         return static_cast<long>(number);
     }
 
-    double number() {
-        const std::string value = text();
+    long yearLength() {
+        const std::string what = "year length";
+        const long days = integer(what, 360, 366);
+        if (days != 360 && days != 365 && days != 366) {
+            fail(std::to_string(days), what, "is not 360, 365 or 366");
+        }
+        return days;
+    }
+
+    double number(const std::string& what) {
+        const std::string value = text(what);
         if (!core::isNumeric(value)) {
-            fail(value, "is not a number");
+            fail(value, what, "is not a number");
         }
         return core::leadingNumber(value);
     }
 
-    bool flag() {
-        const std::string value = text();
+    bool flag(const std::string& what) {
+        const std::string value = text(what);
         if (value == "#TRUE#") {
             return true;
         }
         if (value != "#FALSE#") {
-            fail(value, "is not #TRUE# or #FALSE#");
+            fail(value, what, "is not #TRUE# or #FALSE#");
         }
         return false;
     }
 
-    std::string date() {
-        const std::string value = text();
+    std::string date(const std::string& what) {
+        const std::string value = text(what);
         if (!core::parseDate(value)) {
-            fail(value, "is not a date dd/mm/yyyy");
+            fail(value, what, "is not a date dd/mm/yyyy");
         }
         return value;
     }
 
 private:
-    [[noreturn]] void fail(const std::string& value, const char* problem) const {
-        throw core::Failure(core::failure::TypeMismatch, "'" + value + "' on line " +
-                                                             std::to_string(line_) + " of '" +
-                                                             path_ + "' " + problem + ".");
+    [[noreturn]] void fail(const std::string& value, const std::string& what,
+                           const std::string& problem) const {
+        throw core::Failure(core::failure::TypeMismatch,
+                            "Line " + std::to_string(line_) + " of the SIM file '" + path_ +
+                                "' should hold the " + what + ", but " + core::quotedInput(value) +
+                                " " + problem + ".");
     }
 
     core::SeriesReader reader_;
@@ -106,19 +131,19 @@ void writeSimulationDescription(const std::string& path, const SimulationDescrip
 SimulationDescription readSimulationDescription(const std::string& path) {
     DescriptionReader reader(path);
     SimulationDescription d;
-    d.predictorCount = static_cast<std::int16_t>(reader.integer(0, 100));
-    d.seasonCode = static_cast<std::int16_t>(reader.integer(0, 12));
-    d.yearIndicator = static_cast<std::int16_t>(reader.integer(360, 366));
-    d.fitStart = reader.date();
-    d.fitLength = static_cast<std::int32_t>(reader.integer(0, 100000000));
-    d.conditional = reader.flag();
-    d.ensembleSize = static_cast<std::int16_t>(reader.integer(1, 100));
-    d.precN = static_cast<std::int16_t>(reader.integer(-32768, 32767));
-    d.transformCode = static_cast<std::int16_t>(reader.integer(1, 5));
-    d.biasCorrection = static_cast<float>(reader.number());
-    d.predictandName = reader.text();
+    d.predictorCount = static_cast<std::int16_t>(reader.integer("number of predictors", 0, 100));
+    d.seasonCode = static_cast<std::int16_t>(reader.integer("season code", 0, 12));
+    d.yearIndicator = static_cast<std::int16_t>(reader.yearLength());
+    d.fitStart = reader.date("start date");
+    d.fitLength = static_cast<std::int32_t>(reader.integer("length in days", 0, 100000000));
+    d.conditional = reader.flag("process flag");
+    d.ensembleSize = static_cast<std::int16_t>(reader.integer("ensemble size", 1, 100));
+    d.precN = static_cast<std::int16_t>(reader.integer("variance inflation", -32768, 32767));
+    d.transformCode = static_cast<std::int16_t>(reader.integer("transformation code", 1, 5));
+    d.biasCorrection = static_cast<float>(reader.number("bias correction"));
+    d.predictandName = reader.text("predictand name");
     for (int i = 0; i < d.predictorCount; ++i) {
-        d.predictorNames.push_back(reader.text());
+        d.predictorNames.push_back(reader.text("name of predictor " + std::to_string(i + 1)));
     }
     return d;
 }

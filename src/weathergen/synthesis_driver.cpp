@@ -2,12 +2,14 @@
 
 #include "core/failure.hpp"
 #include "core/numeric_text.hpp"
+#include "core/quoted_text.hpp"
 #include "core/random.hpp"
 #include "core/record_calendar.hpp"
 #include "core/series_file.hpp"
 #include "weathergen/daily_synthesis.hpp"
 #include "weathergen/simulation_files.hpp"
 
+#include <algorithm>
 #include <optional>
 #include <tuple>
 
@@ -21,20 +23,37 @@ std::string positionText(const core::RecordCalendar& position) {
     return core::formatDate({position.day(), position.month(), position.year()});
 }
 
-std::vector<core::SeriesReader> openPredictors(const std::string& folder,
-                                               const std::vector<std::string>& names) {
-    const std::string prefix = folder.empty() || folder.back() == '/' ? folder : folder + "/";
-    std::vector<core::SeriesReader> files;
-    files.reserve(names.size());
-    for (const std::string& name : names) {
-        try {
-            files.emplace_back(prefix + name);
-        } catch (const core::Failure& failure) {
-            if (name.empty()) {
-                throw;
-            }
-            throw core::Failure(failure.number(), name + std::string(PredictorAdvice));
+std::string predictorPath(const std::string& folder, const std::string& name) {
+    return folder.empty() || folder.back() == '/' ? folder + name : folder + "/" + name;
+}
+
+// Opens predictor i of the model. A file that cannot be opened is named with the advice to
+// check the predictor folder (names from a file are shown escaped and cut), followed by
+// where the parameter file names it.
+core::SeriesReader openPredictor(const std::string& path, const SynthesisModel& model,
+                                 const std::string& parameterPath, size_t i) {
+    try {
+        return core::SeriesReader(path);
+    } catch (const core::Failure& failure) {
+        const std::string& name = model.header.predictorNames[i];
+        if (name.empty()) {
+            throw;
         }
+        throw core::Failure(
+            failure.number(),
+            core::escapedInput(name, 200) + std::string(PredictorAdvice) +
+                "\r\nThe parameter file '" + parameterPath + "' names it on line " +
+                std::to_string(model.header.firstPredictorLine + static_cast<long>(i)) + ".");
+    }
+}
+
+std::vector<core::SeriesReader> openPredictors(const std::vector<std::string>& paths,
+                                               const SynthesisModel& model,
+                                               const std::string& parameterPath) {
+    std::vector<core::SeriesReader> files;
+    files.reserve(paths.size());
+    for (size_t i = 0; i < paths.size(); ++i) {
+        files.push_back(openPredictor(paths[i], model, parameterPath, i));
     }
     return files;
 }
@@ -132,51 +151,98 @@ std::vector<double> readReferenceValues(const std::string& predictandPath,
     return values;
 }
 
-void synthesize(const SynthesisRequest& request, const core::ProgramState& state,
-                core::Progress& progress, const HeaderRead& headerRead) {
+SynthesisRun::SynthesisRun(const SynthesisRequest& request, const core::ProgramState& state,
+                           core::Progress& progress, const HeaderRead& headerRead)
+    : request_(request), state_(state) {
     progress.report(0, 100, SynthesisCaption);
-    core::UniformRandom random;
-    random.seedForRun(state.randomSeed);
-
-    ParameterFileReader reader(request.parameterPath);
-    SynthesisModel model;
-    model.header = reader.readHeader();
+    random_.seedForRun(state.randomSeed);
+    model_ = readSynthesisModel(request.parameterPath);
     if (headerRead) {
-        headerRead(model.header);
+        headerRead(model_.header);
     }
+    for (const std::string& name : model_.header.predictorNames) {
+        predictorPaths_.push_back(predictorPath(request.predictorFolder, name));
+    }
+    checkPredictorLengths(progress);
+    sample_ = loadReferenceSample(model_, request.parameterPath, state);
+    for (const std::string& path : outputPaths()) {
+        core::refuseFolder(path);
+    }
+}
+
+// Reads every predictor file as far as the run will: a value for each day from the record
+// start to the last simulated day.
+void SynthesisRun::checkPredictorLengths(core::Progress& progress) const {
+    const long skipped =
+        std::max(0L, core::dayDifference(model_.header.recordStart, request_.start));
+    const long needed = skipped + request_.days;
+    for (size_t i = 0; i < predictorPaths_.size(); ++i) {
+        core::SeriesReader file =
+            openPredictor(predictorPaths_[i], model_, request_.parameterPath, i);
+        for (long value = 0; value < needed; ++value) {
+            if ((value & 0xFFF) == 0) {
+                progress.throwIfStopped();
+            }
+            if (file.atEnd()) {
+                const std::string skip = skipped == 0
+                                             ? std::string()
+                                             : std::to_string(skipped) +
+                                                   " rows skipped from the record start " +
+                                                   model_.header.recordStartText + ", then ";
+                throw core::Failure(core::failure::InputPastEnd,
+                                    "The predictor file '" + predictorPaths_[i] + "' holds " +
+                                        std::to_string(value) + " values, but the run reads " +
+                                        std::to_string(needed) + ": " + skip +
+                                        std::to_string(request_.days) + " days simulated from " +
+                                        core::formatDate(request_.start) + ".");
+            }
+            file.readNumber();
+        }
+    }
+}
+
+std::vector<std::string> SynthesisRun::inputPaths() const {
+    std::vector<std::string> paths{request_.parameterPath};
+    paths.insert(paths.end(), predictorPaths_.begin(), predictorPaths_.end());
+    if (!model_.predictandPath.empty()) {
+        paths.push_back(model_.predictandPath);
+    }
+    return paths;
+}
+
+std::vector<std::string> SynthesisRun::outputPaths() const {
+    return {request_.outPath, simPathFor(request_.outPath)};
+}
+
+void SynthesisRun::writeOutputs(core::Progress& progress) {
     std::vector<core::SeriesReader> predictors =
-        openPredictors(request.predictorFolder, model.header.predictorNames);
-    core::TextFileWriter sim(simPathFor(request.outPath));
-    core::TextFileWriter out(request.outPath);
-    reader.readRows(model);
-    if (model.header.transformCode == TransformInverseNormal) {
-        model.predictandPath = reader.readPredictandPath();
-    }
-    const std::optional<ReferenceSample> sample =
-        loadReferenceSample(model, request.parameterPath, state);
+        openPredictors(predictorPaths_, model_, request_.parameterPath);
+    core::TextFileWriter sim(simPathFor(request_.outPath));
+    core::TextFileWriter out(request_.outPath);
 
-    const SynthesisSettings settings = SynthesisSettings::fromState(state);
-    DailySynthesis synthesis(model, settings, request.ensembleSize, random,
-                             sample ? &*sample : nullptr);
-    const core::DatesInUse dates{model.header.recordStartText,
+    const SynthesisSettings settings = SynthesisSettings::fromState(state_);
+    DailySynthesis synthesis(model_, settings, request_.ensembleSize, random_,
+                             sample_ ? &*sample_ : nullptr);
+    const core::DatesInUse dates{model_.header.recordStartText,
                                  {},
-                                 core::formatDate(request.start),
+                                 core::formatDate(request_.start),
                                  {},
-                                 "run of " + std::to_string(request.days) + " days from",
-                                 state.yearIndicator};
-    core::readingByDates(
-        dates, [&] { skipToStart(predictors, model.header.recordStart, request.start, progress); });
+                                 "run of " + std::to_string(request_.days) + " days from",
+                                 state_.yearIndicator};
+    core::readingByDates(dates, [&] {
+        skipToStart(predictors, model_.header.recordStart, request_.start, progress);
+    });
 
-    core::RecordCalendar position(core::calendarInForce(state), request.start);
+    core::RecordCalendar position(core::calendarInForce(state_), request_.start);
     position.lowerDay();
     synthesis.startLaggedValues(position.month());
 
     std::vector<double> dayPredictors(predictors.size());
     std::array<double, MaxEnsembleSize> members{};
     std::string line;
-    for (long day = 1; day <= request.days; ++day) {
+    for (long day = 1; day <= request_.days; ++day) {
         progress.report(core::roundHalfEven(static_cast<double>(day) /
-                                            static_cast<double>(request.days) * 100.0),
+                                            static_cast<double>(request_.days) * 100.0),
                         100, SynthesisCaption);
         progress.throwIfStopped();
         position.raiseDay();
@@ -194,14 +260,20 @@ void synthesize(const SynthesisRequest& request, const core::ProgramState& state
                                                       "): " + failure.description());
         }
         line.clear();
-        appendDayLine(line, members.data(), request.ensembleSize);
+        appendDayLine(line, members.data(), request_.ensembleSize);
         out.write(line);
         out.endLine();
     }
     predictors.clear();
     out.close();
-    writeSimulationDescription(sim, describeRun(request, model.header, state));
+    writeSimulationDescription(sim, describeRun(request_, model_.header, state_));
     sim.close();
+}
+
+void synthesize(const SynthesisRequest& request, const core::ProgramState& state,
+                core::Progress& progress, const HeaderRead& headerRead) {
+    SynthesisRun run(request, state, progress, headerRead);
+    run.writeOutputs(progress);
 }
 
 } // namespace varo::weathergen

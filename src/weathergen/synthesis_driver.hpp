@@ -2,29 +2,38 @@
 // file of daily ensemble values and its SIM description out.
 //
 // The run streams: it holds one day's predictor values and one day's member values, reads
-// each predictor file once from the record start, and writes a line to the OUT file per
-// simulated day, so its memory does not grow with the length of the run.
+// the predictor files from the record start (once to check them, once to simulate), and
+// writes a line to the OUT file per simulated day, so its memory does not grow with the
+// length of the run.
 //
-// Order of a run: the generator is seeded (fixed state when RandomSeed is off); the
-// parameter file's header is read; the predictor files are opened from the folder; the
-// SIM and OUT files are created, both empty; the model rows are read; for the inverse
-// normal transformation the reference sample is read from the calibration's predictand
-// file; the predictor files are advanced from the record start to the first simulated
-// day; then day by day the values are simulated and written. The SIM file is written
-// when the OUT file is complete.
+// A run reads everything it can check before it writes a byte, so that a bad parameter
+// row, a short or garbled predictor file or a start after the data leaves the files of an
+// earlier run as they were: the generator is seeded (fixed state when RandomSeed is off);
+// the whole parameter file is read and, for the inverse normal transformation, the
+// reference sample from the calibration's predictand file; every predictor file is opened
+// and read through as far as the run will read it; the OUT and SIM paths are checked not
+// to be folders. Only then are the SIM and OUT files created, both empty; the predictor
+// files are read again from the record start to the first simulated day, and day by day
+// the values are simulated and written. The SIM file is written when the OUT file is
+// complete.
 //
 // A failure throws `core::Failure`; one while opening a predictor file names that file
 // with the advice to check the predictor folder. A stop request throws `core::Cancelled`.
-// Either way the OUT file keeps the days written and the SIM file stays empty.
+// Once the files are created, either way the OUT file keeps the days written and the SIM
+// file stays empty.
 #pragma once
 
 #include "core/dates.hpp"
 #include "core/program_state.hpp"
 #include "core/progress.hpp"
+#include "core/random.hpp"
+#include "weathergen/daily_synthesis.hpp"
 #include "weathergen/synthesis_model.hpp"
 
 #include <functional>
+#include <optional>
 #include <string>
+#include <vector>
 
 namespace varo::weathergen {
 
@@ -44,7 +53,36 @@ struct SynthesisRequest {
 // Called once the header has been read, so that a screen can show what the run uses.
 using HeaderRead = std::function<void(const ParameterHeader&)>;
 
-// Runs the synthesis with the settings of `state`. The ensemble size must be 1 to 100.
+// A run in two steps: everything read and checked, then the files written. Between the two
+// a screen can refuse the run, for example when an output is one of the inputs.
+class SynthesisRun {
+public:
+    // Reads and checks everything before the first day, as told above; writes nothing. The
+    // ensemble size must be 1 to 100.
+    SynthesisRun(const SynthesisRequest& request, const core::ProgramState& state,
+                 core::Progress& progress, const HeaderRead& headerRead = {});
+
+    // The files the run reads: the parameter file, the predictor files and, for the inverse
+    // normal transformation, the calibration's predictand file.
+    std::vector<std::string> inputPaths() const;
+    // The OUT file and the SIM file beside it.
+    std::vector<std::string> outputPaths() const;
+
+    // Creates the SIM and OUT files and simulates the days.
+    void writeOutputs(core::Progress& progress);
+
+private:
+    void checkPredictorLengths(core::Progress& progress) const;
+
+    SynthesisRequest request_;
+    const core::ProgramState& state_;
+    core::UniformRandom random_;
+    SynthesisModel model_;
+    std::optional<ReferenceSample> sample_;
+    std::vector<std::string> predictorPaths_;
+};
+
+// Both steps at once.
 void synthesize(const SynthesisRequest& request, const core::ProgramState& state,
                 core::Progress& progress, const HeaderRead& headerRead = {});
 

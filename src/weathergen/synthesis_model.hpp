@@ -9,7 +9,10 @@
 // rows.
 //
 // Every problem with the file is a `core::Failure` naming the file, the line and the text
-// found: 62 when the file ends early, 13 when an item is not what its line must hold.
+// found: 62 when the file ends early, 13 when an item is not what its line must hold. A
+// row holds exactly the values the header promises; a name line that holds numbers, or a
+// row with a value missing or to spare, is refused as a predictor count that disagrees
+// with the names and rows that follow.
 #pragma once
 
 #include "core/program_state.hpp"
@@ -49,6 +52,7 @@ struct ParameterHeader {
     bool autoRegressive = false;
     std::string predictandName;
     std::vector<std::string> predictorNames;
+    long firstPredictorLine = 0; // the line of the file that names the first predictor
 
     // Columns of an occurrence row before the Box-Cox pair: intercept, the predictor
     // coefficients, the lag coefficient when autoregressive, standard error, R squared.
@@ -94,7 +98,7 @@ private:
     long integerItem(const char* what, long low, long high);
     core::Date dateItem(std::string& text, const char* what);
     [[noreturn]] void fail(const std::string& text, const std::string& problem) const;
-    std::vector<double> zoneFields(const std::string& line, int count) const;
+    std::vector<double> zoneFields(const std::string& line, int count, int predictorCount) const;
 
     std::string path_;
     core::SeriesReader file_;

@@ -187,6 +187,50 @@ TEST(CalibrateDriver, FileProblemsAreFailuresNamingTheFile) {
     EXPECT_TRUE(failsWith([&] { run(state, missing); }, 53, "nowhere.dat"));
 }
 
+TEST(CalibrateDriver, AllMissingDataSayNoDayIsFullNotOnlyWhichFileEnded) {
+    TempDir dir;
+    const auto state = sixYearState();
+    Calibrator run;
+    // The predictand is missing throughout; the first predictor is a year shorter, so it is
+    // the file that runs out.
+    std::string missing;
+    std::string shorter;
+    const std::string mslp = varo::testing::readFile(data("mslp.dat"));
+    for (size_t line = 0, at = 0; line < 2191; ++line) {
+        missing += "-999\r\n";
+        const size_t end = mslp.find("\r\n", at);
+        if (line < 1826) {
+            shorter += mslp.substr(at, end + 2 - at);
+        }
+        at = end + 2;
+    }
+    auto allMissing = request(ModelType::Annual, false);
+    allMissing.data.predictandPath = dir.write("rain.dat", missing);
+    allMissing.data.predictorPaths[0] = dir.write("mslp.dat", shorter);
+    EXPECT_TRUE(failsWith([&] { run(state, allMissing); }, 62,
+                          "From the fit start 01/01/1962 to the end of the data, '" +
+                              dir.path("rain.dat") +
+                              "' holds only the missing value code -999, so no day can be used. "
+                              "Reading past the end of '" +
+                              dir.path("mslp.dat") + "' (after line 1827)."));
+    // Each file has values, never on the same day.
+    std::string alternate;
+    for (size_t line = 0; line < 2191; ++line) {
+        alternate += line % 2 == 0 ? "-999\r\n" : "1.5\r\n";
+    }
+    std::string mslpOdd;
+    for (size_t line = 0, at = 0; line < 1826; ++line) {
+        const size_t end = mslp.find("\r\n", at);
+        mslpOdd += line % 2 == 0 ? mslp.substr(at, end + 2 - at) : "-999\r\n";
+        at = end + 2;
+    }
+    allMissing.data.predictandPath = dir.write("rain.dat", alternate);
+    allMissing.data.predictorPaths[0] = dir.write("mslp.dat", mslpOdd);
+    EXPECT_TRUE(failsWith([&] { run(state, allMissing); }, 62,
+                          "No day from the fit start 01/01/1962 on has a value in every file: "
+                          "each day has the missing value code -999 in one file or another."));
+}
+
 TEST(CalibrateDriver, DependentPredictorsAreSingularOrWarnedOfOncePerRun) {
     auto state = sixYearState();
     auto twice = request(ModelType::Monthly, false);

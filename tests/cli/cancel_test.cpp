@@ -29,10 +29,14 @@ TEST(CliCancel, InterruptStopsAGenerationWithExitStatus130) {
                                      "-o", dir.path("tmax.PAR"), "--end", "31/12/1962"});
     ASSERT_EQ(calibrated.exitCode, 0) << calibrated.err;
 
-    // Interrupts keep coming until the run returns; outside the run they are ignored.
+    // Once the OUT file is there, interrupts keep coming until the run returns; outside the
+    // run they are ignored.
     const auto previous = std::signal(SIGINT, ignoreInterrupt);
     std::atomic<bool> running{true};
     std::thread interrupter([&] {
+        while (running && !varo::testing::fileExists(dir.path("run.OUT"))) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        }
         while (running) {
             std::this_thread::sleep_for(std::chrono::milliseconds(5));
             std::raise(SIGINT);
@@ -51,4 +55,8 @@ TEST(CliCancel, InterruptStopsAGenerationWithExitStatus130) {
     EXPECT_LT(std::count(out.begin(), out.end(), '\n'), 50040);
     EXPECT_TRUE(varo::testing::fileExists(dir.path("run.SIM")));
     EXPECT_EQ(readFile(dir.path("run.SIM")), "");
+    EXPECT_EQ(run.err, "Cancelled: '" + dir.path("run.OUT") +
+                           "' is incomplete: it holds only the days written before the cancel, "
+                           "and '" +
+                           dir.path("run.SIM") + "' is empty.\n");
 }

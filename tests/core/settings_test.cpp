@@ -110,3 +110,24 @@ TEST(SettingsFile, WrittenForms) {
     EXPECT_EQ(SettingsScreenKeys.size(), 8u);
     EXPECT_EQ(AdvSettingsScreenKeys.size(), 9u);
 }
+
+TEST(LoadStartupSettings, NumbersBeyondRangeAndAByteOrderMark) {
+    TempDir dir;
+    const auto state = stateReading(
+        dir.write("VARO.INI", "\xEF\xBB\xBF[VARO]\r\nYearIndicator=360\r\nThresh=1e999\r\n"
+                              "GlobalMissingCode=-1e999\r\nBiasCorrection=1.5\r\n"));
+    EXPECT_EQ(state.yearIndicator, 360);
+    EXPECT_EQ(state.thresh, 0.0f);
+    EXPECT_EQ(state.globalMissingCode, -999.0);
+    EXPECT_EQ(state.biasCorrection, 1.5f);
+}
+
+TEST(SettingsFileProblem, NamesTheFileAndWhyItIsNotUsed) {
+    TempDir dir;
+    const auto data = dir.write("data.dat", "1\r\n");
+    EXPECT_EQ(settingsFileProblem(data), "The settings file '" + data +
+                                             "' is not used: it has no [VARO] section, so it is "
+                                             "not a settings file.");
+    EXPECT_FALSE(settingsFileProblem(dir.path("absent.INI")));
+    EXPECT_FALSE(settingsFileProblem(dir.write("VARO.INI", "[VARO]\r\n")));
+}

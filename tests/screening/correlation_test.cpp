@@ -134,3 +134,14 @@ TEST_F(CorrelationFixture, OnePredictorHasNoPartialsAndOneWithoutSpreadCannotBeD
                                          core::failure::DivisionByZero,
                                          "'flat.dat' does not vary"));
 }
+
+TEST_F(CorrelationFixture, NoRowCountsWhenAFileIsMissingThroughoutAndItIsNamed) {
+    const auto y = file("y.dat", {1, 2, 3, 5});
+    const auto data = assembleScreeningData(
+        request(y, {file("gaps.dat", {-999, -999, -999, -999}), file("x.dat", {2, 1, 4, 3})}, 4),
+        state, progress);
+    EXPECT_TRUE(varo::testing::failsWith(
+        [&] { correlate(data, false, state); }, core::failure::DivisionByZero,
+        "Only 0 rows of the analysis period count, too few to correlate. 'gaps.dat' holds only "
+        "the missing value code -999 in the analysis period."));
+}

@@ -3,7 +3,10 @@
 #include "support/scripted_dialogs.hpp"
 #include "support/temp_dir.hpp"
 
+#include <filesystem>
 #include <gtest/gtest.h>
+#include <utility>
+#include <vector>
 
 using namespace varo;
 using screens::AnalyseScreen;
@@ -64,7 +67,10 @@ TEST_F(AnalyseFixture, RunChecksInTheirOrder) {
     ready.ensembleNumber.text = "4";
     EXPECT_EQ(refusal(ready), "Ensemble member does not exist in data file.");
     dir.write("run.SIM", " 2 \r\n 1 \r\n"); // short: not readable
-    EXPECT_EQ(refusal(ready), "An error occurred opeing the *.SIM file. Please try again.");
+    EXPECT_EQ(refusal(ready), "An error occurred opeing the *.SIM file. Please try again.\r\n"
+                              "The SIM file '" +
+                                  dir.path("run.SIM") +
+                                  "' ends after line 2, where line 3 should hold the year length.");
     writeCopy("ensemble3.SIM", "run.SIM");
     ready.ensembleNumber.text = " ";
     EXPECT_EQ(refusal(ready),
@@ -119,7 +125,8 @@ TEST_F(AnalyseFixture, ViewDetailsShowsTheSimFile) {
                          "for observed data.");
     screen.sourceButton = AnalyseScreen::Source::Modelled;
     EXPECT_EQ(refusal(), "Sorry - an error has occurred opening the SIM file.  Please check "
-                         "settings and try again.");
+                         "settings and try again.\r\nCannot open '" +
+                             dir.path("run.SIM") + "': no such file.");
     writeCopy("cal360.SIM", "run.SIM");
     EXPECT_EQ(refusal(), "");
     EXPECT_EQ(screen.fileNPredictors, "2");
@@ -207,4 +214,25 @@ TEST_F(AnalyseFixture, DeltaRunTakesThePeriodsOfTheSelectionScreen) {
     p.periodA.start = "01/01/1900";
     EXPECT_EQ(refusal(screen),
               "Period A starts on 01/01/1900, before the first day of the data (01/01/1961).");
+}
+
+TEST_F(AnalyseFixture, AResultsFileThatIsTheDataOrItsDescriptionIsRefused) {
+    AnalyseScreen screen = readyScreen();
+    const std::string out = varo::testing::readFile(dir.path("run.OUT"));
+    const std::string sim = varo::testing::readFile(dir.path("run.SIM"));
+    std::filesystem::create_symlink(dir.path("run.SIM"), dir.path("link.txt"));
+    for (const auto& [results, input] : std::vector<std::pair<std::string, std::string>>{
+             {dir.path("run.OUT"), dir.path("run.OUT")},
+             {dir.path("run.SIM"), dir.path("run.SIM")},
+             {dir.path("link.txt"), dir.path("run.SIM")}}) {
+        screen.saveFileText = results;
+        dialogs.messages.clear();
+        EXPECT_EQ(screen.run(dialogs, progress), RunOutcome::Refused) << results;
+        EXPECT_EQ(dialogs.lastText(), "The output file '" + results +
+                                          "' is the same file as the input file '" + input +
+                                          "': writing it would destroy the input. Choose another "
+                                          "output file.");
+    }
+    EXPECT_EQ(varo::testing::readFile(dir.path("run.OUT")), out);
+    EXPECT_EQ(varo::testing::readFile(dir.path("run.SIM")), sim);
 }

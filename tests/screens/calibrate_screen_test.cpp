@@ -259,3 +259,26 @@ TEST_F(CalibrateFixture, StepwiseWithTheLagTermReportsWhatItKept) {
         EXPECT_NE(screen.resultsText().find("\n" + c.chosen + "\n"), std::string::npos);
     }
 }
+
+TEST_F(CalibrateFixture, AParameterFileThatIsTheDataIsRefusedBeforeAnythingIsRead) {
+    using varo::testing::readFile;
+    const auto predictand = dir.write("rain.PAR", readFile(Data + "/rain.dat"));
+    const auto predictor = dir.write("mslp.par", readFile(Data + "/mslp.dat"));
+    std::filesystem::create_symlink(predictor, dir.path("link.PAR"));
+    for (const auto& [output, input] : std::vector<std::pair<std::string, std::string>>{
+             {predictand, predictand}, {predictor, predictor}, {dir.path("link.PAR"), predictor}}) {
+        CalibrateScreen screen = filled();
+        screen.choosePredictand(predictand);
+        screen.choosePredictors({predictor, Data + "/shum.dat"});
+        screen.chooseParFile(output);
+        dialogs.messages.clear();
+        EXPECT_EQ(screen.calibrate(dialogs, progress), RunOutcome::Refused) << output;
+        EXPECT_EQ(dialogs.errors(),
+                  std::vector<std::string>{"The output file '" + output +
+                                           "' is the same file as the input file '" + input +
+                                           "': writing it would destroy the input. Choose another "
+                                           "output file."});
+    }
+    EXPECT_EQ(readFile(predictand), readFile(Data + "/rain.dat"));
+    EXPECT_EQ(readFile(predictor), readFile(Data + "/mslp.dat"));
+}

@@ -6,6 +6,7 @@
 #include "support/temp_dir.hpp"
 
 #include <gtest/gtest.h>
+#include <new>
 
 using namespace varo;
 using varo::testing::readFile;
@@ -77,4 +78,24 @@ TEST(GuardedRun, FailureStopAndCancelEachRunTheCleanup) {
                   dialogs, [] { return screens::RunOutcome::Done; }, cleanup),
               screens::RunOutcome::Done);
     EXPECT_EQ(cleanups, 3);
+}
+
+TEST(GuardedRun, RunningOutOfMemoryIsAFailureWithItsNumber) {
+    ScriptedDialogs dialogs;
+    int cleanups = 0;
+    EXPECT_EQ(
+        screens::guardedRun(
+            dialogs, []() -> screens::RunOutcome { throw std::bad_alloc(); }, [&] { ++cleanups; }),
+        screens::RunOutcome::Failed);
+    EXPECT_EQ(cleanups, 1);
+    ASSERT_EQ(dialogs.errors().size(), 1u);
+    EXPECT_EQ(dialogs.errors()[0],
+              "Sorry - an error has occurred - please check all selections and try again.\r\n"
+              "There is not enough memory to finish this run. What it had written stays as it "
+              "is.");
+    EXPECT_EQ(screens::guardedRun(
+                  dialogs, []() -> screens::RunOutcome { throw std::bad_array_new_length(); },
+                  [&] { ++cleanups; }),
+              screens::RunOutcome::Failed);
+    EXPECT_EQ(cleanups, 2);
 }

@@ -126,6 +126,31 @@ TEST_F(SettingsFixture, FailedSaveSaysWhereAndLeavesNoFile) {
               "Please check file name and path in advanced settings.");
 }
 
+// A save never writes into a file that is no settings file; the required text is followed
+// by what is wrong, and the file stays as it was.
+TEST_F(SettingsFixture, SaveIntoAFileThatIsNoSettingsFileSaysWhyAndChangesNothing) {
+    const std::string data = "1.5\r\n2.5\r\n";
+    state.settingsFile = dir.write("rain.dat", data);
+    const std::string why = "\r\nThe settings file '" + state.settingsFile +
+                            "' is not used: it has no [VARO] section, so it is not a settings "
+                            "file.";
+    screens::SettingsScreen settings(state);
+    EXPECT_FALSE(settings.save(dialogs));
+    EXPECT_EQ(dialogs.lastText(), "Sorry, unable to save data to " + state.settingsFile +
+                                      ".\r\nPlease check file name and path in advanced "
+                                      "settings." +
+                                      why);
+    screens::AdvSettingsScreen advanced(state);
+    EXPECT_FALSE(advanced.save(dialogs));
+    EXPECT_EQ(dialogs.lastText(), "Sorry, unable to save data to " + state.settingsFile +
+                                      ".\r\nPlease check file name and path of settings file." +
+                                      why);
+    EXPECT_EQ(readFile(state.settingsFile), data);
+    state.settingsFile = dir.write("empty.INI", "");
+    EXPECT_TRUE(settings.save(dialogs));
+    EXPECT_EQ(dialogs.lastText(), "Settings saved to " + state.settingsFile + ".");
+}
+
 TEST_F(SettingsFixture, BiasLimitsAreExclusive) {
     screens::AdvSettingsScreen screen(state);
     for (const char* refused : {"0", "2", "-1"}) {

@@ -5,7 +5,9 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <regex>
+#include <vector>
 
 using namespace varo;
 using screens::RunOutcome;
@@ -182,4 +184,42 @@ TEST_F(SynthesizeFixture, ResetPutsEveryFieldBack) {
     EXPECT_EQ(screen.predictorFolder, dir.folder());
     EXPECT_TRUE(screen.predictorList.empty());
     EXPECT_EQ(screen.processLabel, "Unknown");
+}
+
+// An OUT file, or the SIM file beside it, that is one of the files the run reads is
+// refused before anything is written, whatever path leads to it.
+TEST_F(SynthesizeFixture, AnOutputThatIsAnInputIsRefusedAndTheInputStays) {
+    const auto model = dir.write("reg.PAR", readFile(Data + "/reg.PAR"));
+    const auto predictor = dir.write("reg_p1.dat", readFile(Data + "/reg_p1.dat"));
+    dir.write("reg_p2.dat", readFile(Data + "/reg_p2.dat"));
+    std::filesystem::create_symlink(model, dir.path("link.OUT"));
+    std::filesystem::create_directories(dir.path("sub"));
+    struct Case {
+        std::string out;
+        std::string input; // the file it is
+    };
+    const std::vector<Case> cases = {
+        {model, model},
+        {dir.path("sub/../reg_p1.dat"), predictor},
+        {dir.path("link.OUT"), model},
+    };
+    for (const Case& c : cases) {
+        screens::SynthesizeScreen screen(state);
+        screen.chooseParFile(model);
+        screen.setPredictorFolder(dir.folder());
+        screen.chooseOutFile(c.out);
+        ASSERT_EQ(screen.viewDetails(dialogs), RunOutcome::Done);
+        screen.fStartText.text = "27/02/1960";
+        screen.fLengthText.text = "10";
+        dialogs.messages.clear();
+        EXPECT_EQ(screen.synthesize(dialogs, progress), RunOutcome::Refused) << c.out;
+        EXPECT_EQ(dialogs.errors(),
+                  std::vector<std::string>{"The output file '" + c.out +
+                                           "' is the same file as the input file '" + c.input +
+                                           "': writing it would destroy the input. Choose "
+                                           "another output file."});
+        EXPECT_FALSE(screen.outputStarted);
+    }
+    EXPECT_EQ(readFile(model), readFile(Data + "/reg.PAR"));
+    EXPECT_EQ(readFile(predictor), readFile(Data + "/reg_p1.dat"));
 }

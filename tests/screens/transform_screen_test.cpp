@@ -165,3 +165,62 @@ TEST_F(TransformScreenFixture, ResetTakesTheThresholdAndTheCaptionFromTheSetting
     EXPECT_EQ(screen.binomialText.text, ".25");
     EXPECT_EQ(screen.wrapCaption(), "Wrap numbers round or fill gaps with missing code (-99.5) ");
 }
+
+// A run that is refused, or fails on its input, leaves every file as it was: the output of
+// an earlier run, the input, and the description file's earlier copy.
+TEST_F(TransformScreenFixture, RefusedOrFailedRunsLeaveEveryFileAsItWas) {
+    namespace code = dataprep::transform;
+    const std::string goodInput = "1 2\r\n3 4\r\n";
+    struct Case {
+        std::string what;
+        std::string input;
+        int option;
+        std::string output; // a name in the folder
+        bool simCheck;
+        Outcome outcome;
+        std::string part;
+    };
+    const std::vector<Case> cases = {
+        {"the input as output", goodInput, code::SquareRoot, "in.dat", false, Outcome::Refused,
+         "The output file '" + dir.path("in.dat") + "' is the same file as the input file '" +
+             dir.path("in.dat") + "'"},
+        {"a link to the input as output", goodInput, code::Copy, "link.dat", false,
+         Outcome::Refused, "is the same file as the input file"},
+        {"the input's description file as output", goodInput, code::Copy, "in.SIM", true,
+         Outcome::Refused, "'" + dir.path("in.SIM") + "' is the same file as the input file"},
+        {"a word at row 2", "1 2\r\n3 x\r\n", code::Copy, "out.dat", true, Outcome::Failed,
+         "'x' on line 2, column 3"},
+        {"a short last row", "1 2\r\n3\r\n", code::SquareRoot, "out.dat", true, Outcome::Failed,
+         "ends part way through row 2: its 3 values do not fill rows of 2 columns."},
+        {"a number beyond range", "1 2\r\n1e999 4\r\n", code::Lag, "out.dat", false,
+         Outcome::Failed, "'1e999' on line 2, column 1"},
+        {"a Box-Cox of two columns", goodInput, code::BoxCox, "out.dat", false, Outcome::Failed,
+         "Sorry - Box Cox transformation can only be applied to single column data files."},
+        {"an output that is a folder", goodInput, code::Copy, "folder", false, Outcome::Failed,
+         "it is a folder"},
+    };
+    std::filesystem::create_directories(dir.path("folder"));
+    for (const Case& c : cases) {
+        const auto input = dir.write("in.dat", c.input);
+        const auto sim = dir.write("in.SIM", "input description\r\n");
+        std::filesystem::remove(dir.path("link.dat"));
+        std::filesystem::create_symlink(input, dir.path("link.dat"));
+        const auto earlier = dir.write("out.dat", "earlier output\r\n");
+        const auto earlierCopy = dir.write("out.SIM", "earlier copy\r\n");
+        screens::TransformScreen screen(state);
+        screen.chooseInput(input);
+        screen.chooseOutput(dir.path(c.output));
+        screen.colsText.text = "2";
+        screen.option = c.option;
+        screen.simCheck = c.simCheck;
+        dialogs.messages.clear();
+        EXPECT_EQ(screen.transform(dialogs, progress), c.outcome) << c.what;
+        EXPECT_NE(dialogs.lastText().find(c.part), std::string::npos)
+            << c.what << ": " << dialogs.lastText();
+        EXPECT_EQ(varo::testing::readFile(input), c.input) << c.what;
+        EXPECT_EQ(varo::testing::readFile(sim), "input description\r\n") << c.what;
+        EXPECT_EQ(varo::testing::readFile(earlier), "earlier output\r\n") << c.what;
+        EXPECT_EQ(varo::testing::readFile(earlierCopy), "earlier copy\r\n") << c.what;
+        EXPECT_FALSE(screen.outputStarted) << c.what;
+    }
+}

@@ -71,7 +71,8 @@ TEST(ReadPeriod, ShortFileGarbledFieldAndCancel) {
     EXPECT_TRUE(
         failsWith([&] { readPeriod(garbled, date(1, 1, 1961), date(2, 1, 1961), progress); },
                   core::failure::TypeMismatch,
-                  "Line 2 of '" + garbled.path + "' holds no number for ensemble member 2"));
+                  "Column 2 (characters 15 to 28) of line 2 of '" + garbled.path +
+                      "' holds 'x', which is not a number."));
     DataSource narrow{dir.write("narrow.OUT", "1.000\r\n"), 2, core::RealCalendar,
                       date(1, 1, 1961)};
     EXPECT_THROW(readPeriod(narrow, date(1, 1, 1961), date(1, 1, 1961), progress), core::Failure);

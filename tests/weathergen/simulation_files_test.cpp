@@ -4,6 +4,8 @@
 #include "weathergen/simulation_files.hpp"
 
 #include <gtest/gtest.h>
+#include <string>
+#include <vector>
 
 using namespace varo;
 using varo::testing::readFile;
@@ -37,14 +39,66 @@ TEST(SimulationDescription, WrittenToTheByte) {
     EXPECT_EQ(weathergen::readSimulationDescription(path), sample());
 }
 
-TEST(SimulationDescription, GarbledOrShortFilesFailWithTheirLine) {
+// Each problem gives the file, the line, the item that belongs there and what stands
+// there instead.
+TEST(SimulationDescription, EveryProblemNamesFileLineItemAndValue) {
+    const std::vector<std::string> good = {
+        " 2 ",  " 12 ", " 360 ", "01/01/2011", " 32400 ",  "#TRUE#",  " 20 ",
+        " 12 ", " 2 ",  " .9 ",  "precip.dat", "mslp.dat", "p500.dat"};
+    const auto withLine = [&](size_t line, const std::string& text) {
+        std::string content;
+        for (size_t i = 0; i < good.size(); ++i) {
+            content += (i + 1 == line ? text : good[i]) + "\r\n";
+        }
+        return content;
+    };
+    struct Case {
+        std::string content;
+        int number;
+        std::string expected; // after "Line N of the SIM file '<path>' "
+    };
+    const std::vector<Case> cases = {
+        {withLine(1, "two"), 13,
+         "should hold the number of predictors, but 'two' is not a number."},
+        {withLine(1, "1e999"), 13,
+         "should hold the number of predictors, but '1e999' is not a number."},
+        {withLine(3, " 361 "), 13,
+         "should hold the year length, but '361' is not 360, 365 or 366."},
+        {withLine(3, " 400 "), 13,
+         "should hold the year length, but '400' lies outside 360 to 366."},
+        {withLine(4, "1961-01-01"), 13,
+         "should hold the start date, but '1961-01-01' is not a date dd/mm/yyyy."},
+        {withLine(6, "TRUE"), 13,
+         "should hold the process flag, but 'TRUE' is not #TRUE# or #FALSE#."},
+        {withLine(7, " 0 "), 13, "should hold the ensemble size, but '0' lies outside 1 to 100."},
+        {withLine(7, "\x01\x02"), 13,
+         "should hold the ensemble size, but '\\x01\\x02' is not a number."},
+        {withLine(10, "-"), 13, "should hold the bias correction, but '-' is not a number."},
+    };
     TempDir dir;
-    const auto garbled = dir.write("g.SIM", " 2 \r\n 12 \r\n 366 \r\n1961-01-01\r\n");
-    EXPECT_TRUE(varo::testing::failsWith([&] { weathergen::readSimulationDescription(garbled); },
-                                         13, "line 4"));
+    for (const Case& c : cases) {
+        const auto path = dir.write("g.SIM", c.content);
+        EXPECT_TRUE(varo::testing::failsWith([&] { weathergen::readSimulationDescription(path); },
+                                             c.number,
+                                             "of the SIM file '" + path + "' " + c.expected))
+            << c.expected;
+    }
+    const auto wide = dir.write("w.SIM", withLine(2, std::string(70000, '7')));
+    EXPECT_TRUE(
+        varo::testing::failsWith([&] { weathergen::readSimulationDescription(wide); }, 13,
+                                 "Line 2 of '" + wide + "' is longer than 65536 characters"));
     const auto shortFile = dir.write("s.SIM", " 2 \r\n 12 \r\n");
     EXPECT_TRUE(
-        varo::testing::failsWith([&] { weathergen::readSimulationDescription(shortFile); }, 62));
+        varo::testing::failsWith([&] { weathergen::readSimulationDescription(shortFile); }, 62,
+                                 "The SIM file '" + shortFile +
+                                     "' ends after line 2, where line 3 should hold the year "
+                                     "length."));
+    const auto names = dir.write("n.SIM", withLine(13, "").substr(0, withLine(13, "").size() - 2));
+    EXPECT_TRUE(varo::testing::failsWith([&] { weathergen::readSimulationDescription(names); }, 62,
+                                         "line 13 should hold the name of predictor 2."));
+    EXPECT_EQ(weathergen::readSimulationDescription(
+                  dir.write("bom.SIM", "\xEF\xBB\xBF" + withLine(0, ""))),
+              sample());
 }
 
 TEST(SimulationFiles, SimPathReplacesTheLastThreeCharacters) {

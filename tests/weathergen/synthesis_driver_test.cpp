@@ -8,7 +8,9 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <regex>
+#include <vector>
 
 using namespace varo;
 using varo::testing::fileExists;
@@ -181,24 +183,121 @@ TEST_F(SynthesisRun, MissingPredictorFileIsNamedAndLeavesAnEarlierSimAlone) {
     EXPECT_TRUE(fails(r, core::failure::FileNotFound, "reg_p1.dat.  Check Predictor"));
 }
 
-TEST_F(SynthesisRun, PredictorFileShorterThanTheRunStopsWithItsName) {
-    // The predictor files hold 200 days from 01/01/1960: 1960 has 366 of them.
-    const auto out = dir.path("long.OUT");
-    EXPECT_TRUE(fails(request(data("reg.PAR"), out, {27, 2, 1960}, 300, 1),
-                      core::failure::InputPastEnd, "reg_p1.dat"));
-    // The days before the failure stay written; the SIM file stays empty.
-    EXPECT_EQ(readFile(out).size(), static_cast<size_t>(200 - 57) * 16);
-    EXPECT_EQ(readFile(dir.path("long.SIM")), "");
-    EXPECT_TRUE(fails(request(data("reg.PAR"), out, {1, 1, 1961}, 1, 1),
-                      core::failure::InputPastEnd, "reg_p1.dat"));
+// Whatever can be checked before the first day is: a run refused for any of these leaves
+// the OUT and SIM files of an earlier run byte for byte as they were.
+TEST_F(SynthesisRun, EverythingCheckedBeforeTheFirstDayLeavesEarlierFilesAlone) {
+    const std::string par = readFile(data("reg.PAR"));
+    const std::string predictor = readFile(data("reg_p1.dat"));
+    const auto replaceLine = [](const std::string& text, int line, const std::string& by) {
+        size_t start = 0;
+        for (int i = 1; i < line; ++i) {
+            start = text.find("\r\n", start) + 2;
+        }
+        return text.substr(0, start) + by + text.substr(text.find("\r\n", start));
+    };
+    struct Case {
+        std::string what;
+        std::string par;       // the parameter file's text
+        std::string predictor; // reg_p1.dat's text
+        core::Date start;
+        long days;
+        int number;
+        std::string part;
+    };
+    const std::vector<Case> cases = {
+        {"truncated rows",
+         firstLines(par, 17),
+         predictor,
+         {27, 2, 1960},
+         5,
+         62,
+         "ends after line 17"},
+        {"a word in the last row",
+         replaceLine(par, 26, "0.800         x"),
+         predictor,
+         {27, 2, 1960},
+         5,
+         13,
+         "line 26"},
+        {"a value to spare",
+         replaceLine(par, 15,
+                     "-0.300        0.750         -0.280        0.450         1.250         "
+                     "0.610         9.000"),
+         predictor,
+         {27, 2, 1960},
+         5,
+         13,
+         "more than the row holds"},
+        {"a count above the names",
+         replaceLine(par, 1, " 3 "),
+         predictor,
+         {27, 2, 1960},
+         5,
+         13,
+         "the predictor count and the names listed after the predictand disagree"},
+        {"a predictor too short for the run",
+         par,
+         predictor,
+         {27, 2, 1960},
+         300,
+         62,
+         "holds 200 values, but the run reads 357: 57 rows skipped from the record start "
+         "01/01/1960, then 300 days simulated from 27/02/1960."},
+        {"a start after the data", par, predictor, {1, 1, 1961}, 1, 62, "holds 200 values"},
+        {"a word in a predictor",
+         par,
+         replaceLine(predictor, 150, "n/a"),
+         {27, 2, 1960},
+         120,
+         13,
+         "'n/a' on line 150, column 1"},
+        {"a number beyond range in a predictor",
+         par,
+         replaceLine(predictor, 90, "1e999"),
+         {27, 2, 1960},
+         40,
+         13,
+         "beyond the range"},
+    };
+    for (const Case& c : cases) {
+        varo::testing::TempDir folder;
+        folder.write("reg_p1.dat", c.predictor);
+        folder.write("reg_p2.dat", readFile(data("reg_p2.dat")));
+        const auto parPath = folder.write("reg.PAR", c.par);
+        const auto out = folder.write("run.OUT", "earlier days\r\n");
+        const auto sim = folder.write("run.SIM", "earlier description\r\n");
+        weathergen::SynthesisRequest r = request(parPath, out, c.start, c.days, 2);
+        r.predictorFolder = folder.folder();
+        EXPECT_TRUE(fails(r, c.number, c.part)) << c.what;
+        EXPECT_EQ(readFile(out), "earlier days\r\n") << c.what;
+        EXPECT_EQ(readFile(sim), "earlier description\r\n") << c.what;
+    }
 }
 
-TEST_F(SynthesisRun, TruncatedRowsLeaveTheEmptyOutputFilesTheRunHadOpened) {
-    const auto parPath = dir.write("short.PAR", firstLines(readFile(data("reg.PAR")), 17));
-    EXPECT_TRUE(fails(request(parPath, dir.path("short.OUT"), {27, 2, 1960}, 5, 1),
-                      core::failure::InputPastEnd, "ends after line 17"));
-    EXPECT_EQ(readFile(dir.path("short.OUT")), "");
-    EXPECT_EQ(readFile(dir.path("short.SIM")), "");
+TEST_F(SynthesisRun, AnOutputThatIsAFolderIsRefusedBeforeEitherFileIsWritten) {
+    const auto sim = dir.write("run.SIM", "earlier");
+    std::filesystem::create_directories(dir.path("run.OUT"));
+    EXPECT_TRUE(fails(request(data("reg.PAR"), dir.path("run.OUT"), {27, 2, 1960}, 5, 1),
+                      core::failure::PathAccessError, "it is a folder"));
+    EXPECT_EQ(readFile(sim), "earlier");
+    std::filesystem::create_directories(dir.path("b.SIM"));
+    EXPECT_TRUE(fails(request(data("reg.PAR"), dir.path("b.OUT"), {27, 2, 1960}, 5, 1),
+                      core::failure::PathAccessError, "b.SIM': it is a folder"));
+    EXPECT_FALSE(fileExists(dir.path("b.OUT")));
+}
+
+TEST_F(SynthesisRun, InputsAreTheModelThePredictorsAndForInverseNormalThePredictand) {
+    weathergen::SynthesisRun regression(
+        request(data("reg.PAR"), dir.path("a.OUT"), {27, 2, 1960}, 5, 1), state, progress);
+    EXPECT_EQ(regression.inputPaths(),
+              (std::vector<std::string>{data("reg.PAR"), data("reg_p1.dat"), data("reg_p2.dat")}));
+    EXPECT_EQ(regression.outputPaths(),
+              (std::vector<std::string>{dir.path("a.OUT"), dir.path("a.SIM")}));
+    EXPECT_FALSE(fileExists(dir.path("a.OUT")));
+    weathergen::SynthesisRun inverse(
+        request(parameterFile("inverse.PAR"), dir.path("b.OUT"), {20, 2, 1961}, 5, 1), state,
+        progress);
+    EXPECT_EQ(inverse.inputPaths().back(), Data + "/inv_obs.dat");
 }
 
 TEST_F(SynthesisRun, InverseNormalSampleProblemsAreReported) {

@@ -95,7 +95,32 @@ TEST(ParameterReading, BadFilesNameTheFileLineAndValue) {
                   "Column 4 (characters 43 to 56) of line 14");
     const std::string shortRow = "0.500         1.000         \r\n";
     expectFailure(dir.write("i.PAR", header() + shortRow + rows), core::failure::TypeMismatch,
-                  "holds '', not a number; the row needs 6 values");
+                  "Column 3 (characters 29 to 42) of line 14 of '" + dir.path("i.PAR") +
+                      "' is empty where a number must stand; line 1 counts 1 predictor, so the "
+                      "row holds 6 values in 14-character columns.");
+    const std::string wideRow = "0.500         1.000         0.000         0.300         "
+                                "0.250         1.500         7.000\r\n";
+    expectFailure(dir.write("j.PAR", header() + wideRow + rows), core::failure::TypeMismatch,
+                  "The text after column 6 of line 14 of '" + dir.path("j.PAR") +
+                      "' holds '7.000', more than the row holds");
+    std::string nameless = text;
+    nameless.replace(nameless.find("mslp.dat\r\n"), 10, "");
+    expectFailure(dir.write("k.PAR", nameless), core::failure::TypeMismatch,
+                  "Line 13 of '" + dir.path("k.PAR") +
+                      "' should name predictor 1 of the 1 that line 1 counts, but holds numbers");
+    std::string year = text;
+    year.replace(year.find(" 366 "), 5, " 367 ");
+    expectFailure(dir.write("m.PAR", year), core::failure::TypeMismatch,
+                  "'367' on line 3 of '" + dir.path("m.PAR") +
+                      "' is not a year length (366, 365 or 360).");
+    expectFailure(dir.write("n.PAR", "\x01\x7f" + text.substr(3)), core::failure::TypeMismatch,
+                  "'\\x01\\x7F' on line 1 of '" + dir.path("n.PAR") + "'");
+    expectFailure(dir.write("o.PAR", "\xEF\xBB\xBF" + year), core::failure::TypeMismatch,
+                  "'367' on line 3");
+    std::string huge = text;
+    huge.replace(huge.find("0.300"), 5, "1e999");
+    expectFailure(dir.write("l.PAR", huge), core::failure::TypeMismatch,
+                  "holds '1e999', which is a number beyond the range this program holds");
 }
 
 TEST(ParameterReading, ReadsWhatCalibrationWrites) {
