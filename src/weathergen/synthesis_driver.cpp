@@ -179,26 +179,24 @@ void SynthesisRun::checkPredictorLengths(core::Progress& progress) const {
     for (size_t i = 0; i < predictorPaths_.size(); ++i) {
         core::SeriesReader file =
             openPredictor(predictorPaths_[i], model_, request_.parameterPath, i);
-        for (long value = 0; value < needed; ++value) {
-            if ((value & 0xFFF) == 0) {
-                progress.throwIfStopped();
+        core::readingByDates(datesInUse(), [&] {
+            for (long value = 0; value < needed; ++value) {
+                if ((value & 0xFFF) == 0) {
+                    progress.throwIfStopped();
+                }
+                file.readNumber();
             }
-            if (file.atEnd()) {
-                const std::string skip = skipped == 0
-                                             ? std::string()
-                                             : std::to_string(skipped) +
-                                                   " rows skipped from the record start " +
-                                                   model_.header.recordStartText + ", then ";
-                throw core::Failure(core::failure::InputPastEnd,
-                                    "The predictor file '" + predictorPaths_[i] + "' holds " +
-                                        std::to_string(value) + " values, but the run reads " +
-                                        std::to_string(needed) + ": " + skip +
-                                        std::to_string(request_.days) + " days simulated from " +
-                                        core::formatDate(request_.start) + ".");
-            }
-            file.readNumber();
-        }
+        });
     }
+}
+
+core::DatesInUse SynthesisRun::datesInUse() const {
+    return {model_.header.recordStartText,
+            {},
+            core::formatDate(request_.start),
+            {},
+            "run of " + std::to_string(request_.days) + " days from",
+            state_.yearIndicator};
 }
 
 std::vector<std::string> SynthesisRun::inputPaths() const {
@@ -223,12 +221,7 @@ void SynthesisRun::writeOutputs(core::Progress& progress) {
     const SynthesisSettings settings = SynthesisSettings::fromState(state_);
     DailySynthesis synthesis(model_, settings, request_.ensembleSize, random_,
                              sample_ ? &*sample_ : nullptr);
-    const core::DatesInUse dates{model_.header.recordStartText,
-                                 {},
-                                 core::formatDate(request_.start),
-                                 {},
-                                 "run of " + std::to_string(request_.days) + " days from",
-                                 state_.yearIndicator};
+    const core::DatesInUse dates = datesInUse();
     core::readingByDates(dates, [&] {
         skipToStart(predictors, model_.header.recordStart, request_.start, progress);
     });

@@ -73,6 +73,8 @@ public:
 
 private:
     void checkPredictorLengths(core::Progress& progress) const;
+    // The dates the predictors are read by, for the message of a file that ends too early.
+    core::DatesInUse datesInUse() const;
 
     SynthesisRequest request_;
     const core::ProgramState& state_;

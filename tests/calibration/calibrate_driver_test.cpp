@@ -212,7 +212,7 @@ TEST(CalibrateDriver, AllMissingDataSayNoDayIsFullNotOnlyWhichFileEnded) {
                               dir.path("rain.dat") +
                               "' holds only the missing value code -999, so no day can be used. "
                               "Reading past the end of '" +
-                              dir.path("mslp.dat") + "' (after line 1827)."));
+                              dir.path("mslp.dat") + "' (after line 1826)."));
     // Each file has values, never on the same day.
     std::string alternate;
     for (size_t line = 0; line < 2191; ++line) {

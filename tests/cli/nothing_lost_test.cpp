@@ -188,13 +188,15 @@ const std::vector<Case>& cases() {
           "--days", "300"},
          nullptr,
          1,
-         "The predictor file '@/reg_p1.dat' holds 200 values, but the run reads 357"},
+         "'@/reg_p1.dat' ends after line 200, before the dates in use: record from 01/01/1960, "
+         "run of 300 days from 27/02/1960"},
         {"generate from a start after the data",
          {generate, "@/reg.PAR", "--predictors", "@", "-o", "@/run.OUT", "--start", "01/01/1970",
           "--days", "10"},
          nullptr,
          1,
-         "holds 200 values"},
+         "ends after line 200, before the dates in use: record from 01/01/1960, run of 10 days "
+         "from 01/01/1970"},
         {"generate onto a folder",
          {generate, "@/reg.PAR", "--predictors", "@", "-o", "@/folder.OUT", "--start", "27/02/1960",
           "--days", "10"},
@@ -270,7 +272,7 @@ TEST(CliNothingLost, AnUnknownCommandIsNamed) {
     const auto run = runVaro(dir, {"--json", "genrate", "model.PAR"});
     EXPECT_EQ(run.exitCode, 2);
     EXPECT_EQ(run.err, "Unknown command 'genrate'. The commands are: settings, qc, transform, "
-                       "screen, calibrate, generate, stats, demo.\nRun with --help for more "
+                       "screen, calibrate, generate, stats, compare, demo.\nRun with --help for more "
                        "information.\n");
     EXPECT_FALSE(fileExists(dir.path("VARO.INI")));
     const auto nested = runVaro(dir, {"settings", "--json", "shw"});

@@ -241,9 +241,9 @@ TEST_F(SynthesisRun, EverythingCheckedBeforeTheFirstDayLeavesEarlierFilesAlone) 
          {27, 2, 1960},
          300,
          62,
-         "holds 200 values, but the run reads 357: 57 rows skipped from the record start "
-         "01/01/1960, then 300 days simulated from 27/02/1960."},
-        {"a start after the data", par, predictor, {1, 1, 1961}, 1, 62, "holds 200 values"},
+         "ends after line 200, before the dates in use: record from 01/01/1960, run of 300 days "
+         "from 27/02/1960"},
+        {"a start after the data", par, predictor, {1, 1, 1961}, 1, 62, "ends after line 200"},
         {"a word in a predictor",
          par,
          replaceLine(predictor, 150, "n/a"),
