@@ -24,11 +24,6 @@ namespace {
 constexpr int SanitizerExit = 86;
 constexpr size_t MessageLimit = 16 * 1024;
 
-bool strict() {
-    const char* value = std::getenv("VARO_ROBUSTNESS_STRICT");
-    return value != nullptr && std::string(value) == "1";
-}
-
 bool keepFolders() {
     return std::getenv("VARO_ROBUSTNESS_KEEP") != nullptr;
 }
@@ -113,30 +108,30 @@ void writeBytes(const std::string& path, const std::string& content) {
 
 } // namespace
 
-const char* knownText(Known cause) {
+const char* guardsText(Guards cause) {
     switch (cause) {
-    case Known::None:
+    case Guards::None:
         return "";
-    case Known::EarlyOutput:
+    case Guards::EarlyOutput:
         return "output opened before the inputs were checked";
-    case Known::SameFile:
+    case Guards::SameFile:
         return "an output that is one of the inputs";
-    case Known::SettingsWrite:
+    case Guards::SettingsWrite:
         return "settings written over a file not read or not a settings file";
-    case Known::Memory:
+    case Guards::Memory:
         return "out of memory, or a token held whole";
-    case Known::SimMessage:
+    case Guards::SimMessage:
         return "SIM file message without file, line or reason";
-    case Known::NotANumber:
+    case Guards::NotANumber:
         return "a value that is no number read as a number";
-    case Known::Quoting:
+    case Guards::Quoting:
         return "byte-order mark, control bytes or long tokens";
-    case Known::Blame:
+    case Guards::Blame:
         return "the message blames the wrong file or problem";
-    case Known::ExitStatus:
+    case Guards::ExitStatus:
         return "exit status or message of the command line";
-    case Known::Found:
-        return "found by the corpus, not on the issue's list";
+    case Guards::Found:
+        return "a fault the corpus found in the readers";
     }
     return "";
 }
@@ -295,14 +290,11 @@ void CaseRunner::run(const Case& c) {
     if (!problems.empty()) {
         entry << "\n    stderr: " << shown(result.err, 400);
     }
-    if (c.known == Known::None || strict()) {
-        if (!problems.empty()) {
-            failures_.push_back(entry.str());
+    if (!problems.empty()) {
+        if (c.guards != Guards::None) {
+            entry << "\n    (guards against: " << guardsText(c.guards) << ")";
         }
-    } else if (!problems.empty()) {
-        knownFailures_.push_back(entry.str() + "\n    (known: " + knownText(c.known) + ")");
-    } else {
-        knownPassing_.push_back(c.name + " (marked: " + knownText(c.known) + ")");
+        failures_.push_back(entry.str());
     }
 }
 
@@ -377,8 +369,7 @@ std::vector<std::string> CaseRunner::problemsOf(const Case& c, const ChildResult
 }
 
 void CaseRunner::report() const {
-    std::cout << kind_ << ": " << count_ << " cases, " << failures_.size() << " failing, "
-              << knownFailures_.size() << " failing for a known cause\n";
+    std::cout << kind_ << ": " << count_ << " cases, " << failures_.size() << " failing\n";
     auto slowest = seconds_;
     std::sort(slowest.rbegin(), slowest.rend());
     slowest.resize(std::min<size_t>(slowest.size(), 3));
@@ -387,18 +378,6 @@ void CaseRunner::report() const {
         std::cout << " '" << shown(name, 60) << "' " << seconds << " s;";
     }
     std::cout << '\n';
-    if (!knownFailures_.empty()) {
-        std::cout << "Failing for a known cause (VARO_ROBUSTNESS_STRICT=1 makes them fail):\n";
-        for (const std::string& entry : knownFailures_) {
-            std::cout << "  " << entry << '\n';
-        }
-    }
-    if (!knownPassing_.empty()) {
-        std::cout << "Marked with a known cause but passing now:\n";
-        for (const std::string& entry : knownPassing_) {
-            std::cout << "  " << entry << '\n';
-        }
-    }
     if (!failures_.empty()) {
         std::ostringstream list;
         for (const std::string& entry : failures_) {

@@ -13,8 +13,7 @@
 //     files it writes, and an interrupted one names each of them;
 //   - messages stay short (16 KiB at most) and hold no raw control bytes.
 //
-// Cases that fail today for a cause that is being fixed elsewhere carry that cause: they
-// are listed but do not fail the test, unless VARO_ROBUSTNESS_STRICT=1 is set.
+// A case may name the fault it guards against; a failing case's message names it.
 #pragma once
 
 #include "robustness/child_process.hpp"
@@ -31,8 +30,8 @@ namespace varo::robustness {
 // Either: the input is odd but not wrong, and a run may take it or refuse it.
 enum class Expect { Refused, Accepted, Interrupted, Either };
 
-// The causes of failure that the fixes in hand remove.
-enum class Known {
+// The faults a case guards against, named in its failure message.
+enum class Guards {
     None,
     EarlyOutput,   // output opened (and emptied) before the inputs were checked
     SameFile,      // an output that is one of the inputs
@@ -43,10 +42,10 @@ enum class Known {
     Quoting,       // byte-order mark, control bytes, long tokens in messages
     Blame,         // the message blames the wrong file or the wrong problem
     ExitStatus,    // an error with exit status 0, Ctrl-C without the file, a nameless refusal
-    Found,         // found by this corpus, not among the causes the issue lists
+    Found,         // a fault the corpus itself found in the readers
 };
 
-const char* knownText(Known cause);
+const char* guardsText(Guards cause);
 
 struct Case {
     std::string name;
@@ -59,7 +58,7 @@ struct Case {
     std::vector<std::string> mentions;
     long line = 0;
     std::set<std::string> writes; // relative paths a finished run may change or add
-    Known known = Known::None;
+    Guards guards = Guards::None; // the fault the case guards against, named when it fails
     bool unprivileged = false;
     std::optional<unsigned long long> addressSpace; // replaces the default limit
     long residentLimitKiB = 0;                      // when not 0, a bound on resident memory
@@ -86,8 +85,7 @@ public:
     // A new case with its folder, holding the private settings file and home folder.
     Case start(const std::string& name, const std::string& settings);
     void run(const Case& c);
-    // One test failure listing every case that broke the rule, and a list of those that
-    // fail for a known cause.
+    // One test failure listing every case that broke the rule.
     void report() const;
 
 private:
@@ -98,8 +96,6 @@ private:
     std::string root_;
     int count_ = 0;
     std::vector<std::string> failures_;
-    std::vector<std::string> knownFailures_;
-    std::vector<std::string> knownPassing_;
     std::vector<std::pair<double, std::string>> seconds_; // each case's run time
 };
 

@@ -37,7 +37,7 @@ struct Line {
     std::vector<std::string> arguments;
     Expect expect = Expect::Refused;
     std::vector<std::string> mentions;
-    Known known = Known::None;
+    Guards guards = Guards::None;
     std::set<std::string> writes;
 };
 
@@ -47,7 +47,7 @@ void runLines(CaseRunner& runner, const std::vector<Line>& lines) {
         c.arguments = line.arguments;
         c.expect = line.expect;
         c.mentions = line.mentions;
-        c.known = line.known;
+        c.guards = line.guards;
         c.writes = line.writes;
         runner.run(c);
     }
@@ -107,7 +107,7 @@ TEST(Robustness, Dates) {
                           with(stats, {"--start", "1/1/1961", "--end", "31/12/1962"}),
                           Expect::Either,
                           {},
-                          Known::None,
+                          Guards::None,
                           {"results.txt"}},
                          {"statistics start after end",
                           with(stats, {"--start", "31/12/1962", "--end", "01/01/1961"})},
@@ -127,13 +127,13 @@ TEST(Robustness, Dates) {
                            "--start", "01/01/1963", "--days", "365", "--ensemble", "2"},
                           Expect::Refused,
                           {"temp.dat"},
-                          Known::EarlyOutput},
+                          Guards::EarlyOutput},
                          {"generation after the record",
                           {"generate", "model.PAR", "--predictors", "predictors", "-o", "run.OUT",
                            "--start", "01/01/1971", "--days", "10", "--ensemble", "2"},
                           Expect::Refused,
                           {},
-                          Known::EarlyOutput},
+                          Guards::EarlyOutput},
                          {"generation before the record",
                           {"generate", "model.PAR", "--predictors", "predictors", "-o", "run.OUT",
                            "--start", "01/01/1950", "--days", "10", "--ensemble", "2"}},
@@ -213,7 +213,7 @@ TEST(Robustness, CommandLineValues) {
                          arguments,
                          Expect::Either,
                          {},
-                         Known::None,
+                         Guards::None,
                          {"run.OUT", "run.SIM", "results.txt"}});
     }
     // Numbers beyond the range of a double are no numbers.
@@ -223,20 +223,20 @@ TEST(Robustness, CommandLineValues) {
              {"--set GlobalMissingCode=1e999",
               {"--set", "GlobalMissingCode=1e999", "qc", "data.dat"}},
          }) {
-        lines.push_back({name, arguments, Expect::Refused, {}, Known::NotANumber});
+        lines.push_back({name, arguments, Expect::Refused, {}, Guards::NotANumber});
     }
     lines.push_back({"--set unknown key",
                      {"--set", "NoSuchKey=1", "qc", "data.dat"},
                      Expect::Refused,
                      {"NoSuchKey"}});
     lines.push_back(
-        {"unknown command", {"frobnicate"}, Expect::Refused, {"frobnicate"}, Known::ExitStatus});
+        {"unknown command", {"frobnicate"}, Expect::Refused, {"frobnicate"}, Guards::ExitStatus});
     lines.push_back({"unknown option", {"qc", "--frob", "data.dat"}, Expect::Refused, {"--frob"}});
     lines.push_back({"no command", {}, Expect::Refused});
     lines.push_back({"a command without its file", {"qc"}, Expect::Refused});
     lines.push_back({"a 100 KiB command", {std::string(100 << 10, 'q')}, Expect::Refused});
     lines.push_back(
-        {"control bytes in a command", {"qc\x01\x1b[2J"}, Expect::Refused, {}, Known::Quoting});
+        {"control bytes in a command", {"qc\x01\x1b[2J"}, Expect::Refused, {}, Guards::Quoting});
     lines.push_back({"a JSON run that fails",
                      {"--json", "qc", "missing.dat"},
                      Expect::Refused,
@@ -272,7 +272,7 @@ TEST(Robustness, Paths) {
         std::vector<std::string> arguments;
         Expect expect = Expect::Refused;
         std::vector<std::string> mentions;
-        Known known = Known::None;
+        Guards guards = Guards::None;
         std::set<std::string> writes;
     };
     const auto none = [](Case&) {};
@@ -290,61 +290,61 @@ TEST(Robustness, Paths) {
          transformTo("data.dat"),
          Expect::Refused,
          {"data.dat"},
-         Known::SameFile},
+         Guards::SameFile},
         {"transform onto its input, second on the line",
          none,
          {"transform", "data.dat", "data.dat", "--op", "sqrt"},
          Expect::Refused,
          {"data.dat"},
-         Known::SameFile},
+         Guards::SameFile},
         {"transform onto ./ its input",
          none,
          transformTo("./data.dat"),
          Expect::Refused,
          {"data.dat"},
-         Known::SameFile},
+         Guards::SameFile},
         {"transform onto a link to its input",
          link("data.dat", "link.dat"),
          transformTo("link.dat"),
          Expect::Refused,
          {"data.dat", "link.dat"},
-         Known::SameFile},
+         Guards::SameFile},
         {"transform onto a hard link to its input",
          hardLink("data.dat", "hard.dat"),
          transformTo("hard.dat"),
          Expect::Refused,
          {"data.dat", "hard.dat"},
-         Known::SameFile},
+         Guards::SameFile},
         {"transform onto the settings file",
          none,
          transformTo("VARO.INI"),
          Expect::Refused,
          {"VARO.INI"},
-         Known::SameFile},
+         Guards::SameFile},
         {"stats onto its input",
          none,
          statsTo("data.dat"),
          Expect::Refused,
          {"data.dat"},
-         Known::SameFile},
+         Guards::SameFile},
         {"stats onto a link to its input",
          link("data.dat", "link.txt"),
          statsTo("link.txt"),
          Expect::Refused,
          {"data.dat", "link.txt"},
-         Known::SameFile},
+         Guards::SameFile},
         {"generate onto its model",
          none,
          generateTo("model.PAR"),
          Expect::Refused,
          {"model.PAR"},
-         Known::SameFile},
+         Guards::SameFile},
         {"generate onto a predictor",
          none,
          generateTo("predictors/temp.dat"),
          Expect::Refused,
          {"temp.dat"},
-         Known::SameFile},
+         Guards::SameFile},
         {"generate whose SIM file is a predictor",
          [](Case& c) {
              c.write("model.PAR", replaceLine(baseSet().temperatureModel, 13, "temp.SIM"));
@@ -353,27 +353,27 @@ TEST(Robustness, Paths) {
          generateTo("predictors/temp.OUT"),
          Expect::Refused,
          {"temp.SIM"},
-         Known::SameFile},
+         Guards::SameFile},
         {"calibrate onto its predictand",
          [](Case& c) { std::filesystem::rename(c.path("tmax.dat"), c.path("station.PAR")); },
          {"calibrate", "station.PAR", "temp.dat", "-o", "station.PAR", "--start", "01/01/1961",
           "--end", "31/12/1962"},
          Expect::Refused,
          {"station.PAR"},
-         Known::SameFile},
+         Guards::SameFile},
         {"calibrate onto its predictor",
          [](Case& c) { std::filesystem::rename(c.path("temp.dat"), c.path("temp.PAR")); },
          {"calibrate", "tmax.dat", "temp.PAR", "-o", "temp.PAR", "--start", "01/01/1961", "--end",
           "31/12/1962"},
          Expect::Refused,
          {"temp.PAR"},
-         Known::SameFile},
+         Guards::SameFile},
         {"calibrate onto a link to its predictand",
          link("tmax.dat", "model2.PAR"),
          calibrateTo("model2.PAR"),
          Expect::Refused,
          {"tmax.dat", "model2.PAR"},
-         Known::SameFile},
+         Guards::SameFile},
         {"transform into a folder",
          [](Case& c) { c.makeFolder("outdir"); },
          transformTo("outdir"),
@@ -389,7 +389,7 @@ TEST(Robustness, Paths) {
          generateTo("outdir"),
          Expect::Refused,
          {"outdir"},
-         Known::EarlyOutput},
+         Guards::EarlyOutput},
         {"calibrate into a folder",
          [](Case& c) { c.makeFolder("outdir.PAR"); },
          calibrateTo("outdir.PAR"),
@@ -428,21 +428,21 @@ TEST(Robustness, Paths) {
          transformTo("out put \xc3\xbc.dat"),
          Expect::Accepted,
          {},
-         Known::None,
+         Guards::None,
          {"out put \xc3\xbc.dat"}},
         {"transform to a name with a line end",
          none,
          transformTo("out\nput.dat"),
          Expect::Either,
          {},
-         Known::None,
+         Guards::None,
          {"out\nput.dat"}},
         {"transform through a link to nowhere",
          link("nowhere.dat", "dangling.dat"),
          transformTo("dangling.dat"),
          Expect::Either,
          {},
-         Known::None,
+         Guards::None,
          {"dangling.dat", "nowhere.dat"}},
     };
     for (const PathCase& path : cases) {
@@ -451,7 +451,7 @@ TEST(Robustness, Paths) {
         c.arguments = path.arguments;
         c.expect = path.expect;
         c.mentions = path.mentions;
-        c.known = path.known;
+        c.guards = path.guards;
         c.writes = path.writes;
         runner.run(c);
     }

@@ -28,7 +28,7 @@ struct DataEdit {
     std::function<std::string(const std::string&)> edit;
     Effect effect;
     long line = 0;
-    Known known = Known::None;
+    Guards guards = Guards::None;
     // Through every command; the others go through the three ways of reading a series:
     // the whole file, a period of one file, a period of several files together.
     bool everyCommand = false;
@@ -84,30 +84,30 @@ std::vector<DataEdit> dataEdits(long days) {
     const std::string million = "1" + std::string(1000000, '0');
     const std::string hugeWord(2 << 20, 'x');
     return {
-        {"empty", [](const std::string&) { return std::string(); }, Effect::Empty, 0, Known::None,
+        {"empty", [](const std::string&) { return std::string(); }, Effect::Empty, 0, Guards::None,
          true},
         {"only a byte-order mark", [](const std::string&) { return ByteOrderMark; }, Effect::Empty,
-         0, Known::Quoting},
+         0, Guards::Quoting},
         {"first half", [days](const std::string& t) { return firstLines(t, days / 2); },
-         Effect::Short, 0, Known::None, true},
+         Effect::Short, 0, Guards::None, true},
         {"last line cut to a sign", at(days, "-"), Effect::Bad, days},
         {"word at line 1", at(1, "rain"), Effect::Bad, 1},
-        {"word at the middle", at(days / 2, "abc"), Effect::Bad, days / 2, Known::None, true},
+        {"word at the middle", at(days / 2, "abc"), Effect::Bad, days / 2, Guards::None, true},
         {"word at the last line", at(days, "end"), Effect::Bad, days},
-        {"1e999", at(200, "1e999"), Effect::Bad, 200, Known::NotANumber, true},
-        {"-1e999", at(201, "-1e999"), Effect::Bad, 201, Known::NotANumber},
-        {"2e308", at(202, "2e308"), Effect::Bad, 202, Known::NotANumber},
-        {"a million digits", at(300, million), Effect::Bad, 300, Known::NotANumber},
+        {"1e999", at(200, "1e999"), Effect::Bad, 200, Guards::NotANumber, true},
+        {"-1e999", at(201, "-1e999"), Effect::Bad, 201, Guards::NotANumber},
+        {"2e308", at(202, "2e308"), Effect::Bad, 202, Guards::NotANumber},
+        {"a million digits", at(300, million), Effect::Bad, 300, Guards::NotANumber},
         {"nan", at(50, "nan"), Effect::Bad, 50},
         {"inf", at(51, "-inf"), Effect::Bad, 51},
         {"hexadecimal", at(52, "0x1A"), Effect::Bad, 52},
         {"two points", at(53, "1.2.3"), Effect::Bad, 53},
         {"bare exponent", at(54, "1e"), Effect::Bad, 54},
-        {"double sign", at(55, "+-1"), Effect::Bad, 55, Known::NotANumber},
+        {"double sign", at(55, "+-1"), Effect::Bad, 55, Guards::NotANumber},
         {"number and word", at(56, "1.2abc"), Effect::Bad, 56},
-        {"control bytes", at(100, "1\x01\x02\x1b[2J"), Effect::Bad, 100, Known::Quoting, true},
-        {"nul byte", at(101, std::string("0\0", 2)), Effect::Bad, 101, Known::Quoting},
-        {"2 MiB word", at(10, hugeWord), Effect::Bad, 10, Known::Memory},
+        {"control bytes", at(100, "1\x01\x02\x1b[2J"), Effect::Bad, 100, Guards::Quoting, true},
+        {"nul byte", at(101, std::string("0\0", 2)), Effect::Bad, 101, Guards::Quoting},
+        {"2 MiB word", at(10, hugeWord), Effect::Bad, 10, Guards::Memory},
         {"binary junk",
          [](const std::string& t) {
              return std::string("\x7f"
@@ -115,9 +115,9 @@ std::vector<DataEdit> dataEdits(long days) {
                                 8) +
                     t;
          },
-         Effect::Bad, 1, Known::Quoting},
+         Effect::Bad, 1, Guards::Quoting},
         {"byte-order mark", [](const std::string& t) { return ByteOrderMark + t; }, Effect::Valid,
-         0, Known::Quoting, true},
+         0, Guards::Quoting, true},
         {"CR line ends", [](const std::string& t) { return withLineEnds(t, "\r"); }, Effect::Valid},
         {"LF line ends", [](const std::string& t) { return withLineEnds(t, "\n"); }, Effect::Valid},
         {"no final line end", withoutFinalLineEnd, Effect::Valid},
@@ -127,10 +127,10 @@ std::vector<DataEdit> dataEdits(long days) {
          Effect::Valid},
         {"1 MiB of blanks", at(20, std::string(1 << 20, ' ') + "0.5"), Effect::Valid},
         {"junk after the period", [](const std::string& t) { return t + "end\r\n"; },
-         Effect::Trailing, days + 1, Known::None, true},
+         Effect::Trailing, days + 1, Guards::None, true},
         {"all missing",
          [days](const std::string&) { return joinLines(std::vector<std::string>(days, "-999")); },
-         Effect::NoData, 0, Known::None, true},
+         Effect::NoData, 0, Guards::None, true},
     };
 }
 
@@ -161,7 +161,7 @@ void expect(Case& c, const DataEdit& edit, const DataCommand& command) {
         // nothing to check, fit or correlate in it, and the message must say which file.
         c.expect = command.name == "transform" || command.name == "stats" ? Expect::Accepted
                                                                           : Expect::Refused;
-        c.known = Known::Blame;
+        c.guards = Guards::Blame;
         break;
     }
     if (c.expect == Expect::Accepted) {
@@ -171,11 +171,11 @@ void expect(Case& c, const DataEdit& edit, const DataCommand& command) {
     if (writes) {
         c.writes = {command.output};
     }
-    if (c.known == Known::None) {
-        c.known = edit.known;
+    if (c.guards == Guards::None) {
+        c.guards = edit.guards;
     }
-    if (c.known == Known::None && command.name == "transform" && c.expect == Expect::Refused) {
-        c.known = Known::EarlyOutput;
+    if (c.guards == Guards::None && command.name == "transform" && c.expect == Expect::Refused) {
+        c.guards = Guards::EarlyOutput;
     }
 }
 
@@ -272,7 +272,7 @@ TEST(Robustness, DataFileKinds) {
                 c.writes = {command.output};
             }
             if (command.name == "transform" && kind.expect == Expect::Refused) {
-                c.known = Known::EarlyOutput;
+                c.guards = Guards::EarlyOutput;
             }
             runner.run(c);
         }

@@ -107,7 +107,7 @@ TEST(Robustness, Interrupt) {
         c.whileRunning = interruptWhen(
             interruption.afterChangeOf.empty() ? "" : c.path(interruption.afterChangeOf));
         if (!c.writes.empty()) {
-            c.known = Known::ExitStatus;
+            c.guards = Guards::ExitStatus;
         }
         runner.run(c);
     }
@@ -204,7 +204,7 @@ TEST(Robustness, Memory) {
         c.addressSpace = 512ULL << 20;
         c.timeLimit = std::chrono::seconds(6);
         c.residentLimitKiB = hog.bounded ? bound : 0;
-        c.known = Known::Memory;
+        c.guards = Guards::Memory;
         runner.run(c);
     }
     runner.report();

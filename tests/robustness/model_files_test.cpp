@@ -22,7 +22,7 @@ struct FileEdit {
     Edit edit;
     Expect expect = Expect::Refused;
     long line = 0; // the line the message must name
-    Known known = Known::None;
+    Guards guards = Guards::None;
     // What a reader that takes the values free-format (not by their columns) makes of it,
     // when that differs; such a reader names no line.
     std::optional<Expect> freeForm;
@@ -69,7 +69,7 @@ Case generatorCase(CaseRunner& runner, const std::string& name, const std::strin
 void applyEdit(Case& c, const FileEdit& edit, const std::string& file) {
     c.expect = edit.expect;
     c.line = edit.line;
-    c.known = edit.known;
+    c.guards = edit.guards;
     if (edit.expect != Expect::Accepted && edit.namesFile) {
         c.mentions = {file};
     }
@@ -82,33 +82,34 @@ std::vector<FileEdit> temperatureModelEdits() {
     return {
         {"empty", emptied()},
         {"only the first five lines", cutTo(5)},
-        {"cut in the rows", cutTo(20), Expect::Refused, 0, Known::EarlyOutput},
+        {"cut in the rows", cutTo(20), Expect::Refused, 0, Guards::EarlyOutput},
         {"without the predictand path", cutTo(27), Expect::Either},
         {"word as the predictor count", at(1, "three"), Expect::Refused, 1},
         {"word as the groups", at(2, "twelve"), Expect::Refused, 2},
-        {"year length 367", at(3, " 367 "), Expect::Refused, 3, Known::Found},
+        {"year length 367", at(3, " 367 "), Expect::Refused, 3, Guards::Found},
         {"record start not a date", at(4, "01/01/1961x"), Expect::Refused, 4},
         {"record start 31/02/1961", at(4, "31/02/1961"), Expect::Refused, 4},
         {"record days a word", at(5, "many"), Expect::Refused, 5},
-        {"record days 1e999", at(5, " 1e999 "), Expect::Refused, 5, Known::NotANumber},
+        {"record days 1e999", at(5, " 1e999 "), Expect::Refused, 5, Guards::NotANumber},
         {"fit start a word", at(6, "start"), Expect::Refused, 6},
         {"fit days negative", at(7, " -5 "), Expect::Refused, 7},
         {"process flag a word", at(8, "#MAYBE#"), Expect::Refused, 8},
         {"transformation 9", at(9, "9"), Expect::Refused, 9},
         {"transformation a word", at(9, "none"), Expect::Refused, 9},
         {"nul in the header", at(8, std::string("#FALSE\0#", 8)), Expect::Refused, 8,
-         Known::Quoting},
-        {"predictor count 2 of 3", at(1, " 2 "), Expect::Refused, 0, Known::EarlyOutput},
-        {"predictor count 4 of 3", at(1, " 4 "), Expect::Refused, 0, Known::Blame},
+         Guards::Quoting},
+        {"predictor count 2 of 3", at(1, " 2 "), Expect::Refused, 0, Guards::EarlyOutput},
+        {"predictor count 4 of 3", at(1, " 4 "), Expect::Refused, 0, Guards::Blame},
         {"predictor count 99999", at(1, " 99999 "), Expect::Refused, 1},
-        {"groups 1e999", at(2, " 1e999 "), Expect::Refused, 2, Known::NotANumber},
-        {"word in a row", zone(16, 2, "abc"), Expect::Refused, 16, Known::EarlyOutput},
-        {"1e999 in a row", zone(17, 2, "1e999"), Expect::Refused, 17, Known::NotANumber},
-        {"a sign alone in a row", zone(18, 3, "-"), Expect::Refused, 18, Known::NotANumber},
-        {"a point alone in a row", zone(19, 1, "."), Expect::Refused, 19, Known::NotANumber},
-        {"number and word in a row", zone(20, 2, "1.2abc"), Expect::Refused, 20, Known::NotANumber},
-        {"a short row", at(21, "13.290        4.026"), Expect::Refused, 21, Known::EarlyOutput},
-        {"an empty row", at(22, ""), Expect::Refused, 22, Known::EarlyOutput},
+        {"groups 1e999", at(2, " 1e999 "), Expect::Refused, 2, Guards::NotANumber},
+        {"word in a row", zone(16, 2, "abc"), Expect::Refused, 16, Guards::EarlyOutput},
+        {"1e999 in a row", zone(17, 2, "1e999"), Expect::Refused, 17, Guards::NotANumber},
+        {"a sign alone in a row", zone(18, 3, "-"), Expect::Refused, 18, Guards::NotANumber},
+        {"a point alone in a row", zone(19, 1, "."), Expect::Refused, 19, Guards::NotANumber},
+        {"number and word in a row", zone(20, 2, "1.2abc"), Expect::Refused, 20,
+         Guards::NotANumber},
+        {"a short row", at(21, "13.290        4.026"), Expect::Refused, 21, Guards::EarlyOutput},
+        {"an empty row", at(22, ""), Expect::Refused, 22, Guards::EarlyOutput},
         {"rows in 13-character columns",
          [](const std::string& file) {
              auto lines = splitLines(file);
@@ -118,13 +119,13 @@ std::vector<FileEdit> temperatureModelEdits() {
              }
              return joinLines(lines);
          },
-         Expect::Refused, 16, Known::NotANumber},
+         Expect::Refused, 16, Guards::NotANumber},
         // A predictor that is not there is named, not the model.
         {"control bytes in a predictor name", at(13, "te\x01\x1bmp.dat"), Expect::Refused, 0,
-         Known::Quoting, std::nullopt, false},
-        {"a 2 MiB predictor name", at(14, longName), Expect::Refused, 0, Known::Quoting,
+         Guards::Quoting, std::nullopt, false},
+        {"a 2 MiB predictor name", at(14, longName), Expect::Refused, 0, Guards::Quoting,
          std::nullopt, false},
-        {"byte-order mark", withMark(), Expect::Accepted, 0, Known::Quoting},
+        {"byte-order mark", withMark(), Expect::Accepted, 0, Guards::Quoting},
         {"CR line ends", lineEnds("\r"), Expect::Accepted},
         {"LF line ends", lineEnds("\n"), Expect::Accepted},
         {"no final line end", withoutFinalLineEnd, Expect::Accepted},
@@ -135,11 +136,11 @@ std::vector<FileEdit> temperatureModelEdits() {
 // amounts from 29 to 40, the predictand's path on line 41.
 std::vector<FileEdit> precipitationModelEdits() {
     return {
-        {"word in an amount row", zone(30, 3, "wet"), Expect::Refused, 30, Known::EarlyOutput},
-        {"1e999 in an amount row", zone(31, 1, "1e999"), Expect::Refused, 31, Known::NotANumber},
-        {"cut in the amount rows", cutTo(33), Expect::Refused, 0, Known::EarlyOutput},
+        {"word in an amount row", zone(30, 3, "wet"), Expect::Refused, 30, Guards::EarlyOutput},
+        {"1e999 in an amount row", zone(31, 1, "1e999"), Expect::Refused, 31, Guards::NotANumber},
+        {"cut in the amount rows", cutTo(33), Expect::Refused, 0, Guards::EarlyOutput},
         {"Box-Cox rows without lamda and shift", at(9, "5"), Expect::Refused, 17,
-         Known::EarlyOutput},
+         Guards::EarlyOutput},
         {"unconditional flag over conditional rows", at(8, "#FALSE#"), Expect::Either},
         {"CR line ends", lineEnds("\r"), Expect::Accepted},
     };
@@ -188,7 +189,7 @@ TEST(Robustness, PredictorFolders) {
         Expect expect = Expect::Refused;
         std::string mention;
         long line = 0;
-        Known known = Known::None;
+        Guards guards = Guards::None;
         bool unprivileged = false;
     };
     const auto replace = [](const std::string& file, const std::string& text) {
@@ -223,19 +224,19 @@ TEST(Robustness, PredictorFolders) {
              std::filesystem::permissions(c.path("predictors/p500.dat"),
                                           std::filesystem::perms::none);
          },
-         Expect::Refused, "p500.dat", 0, Known::EarlyOutput, true},
+         Expect::Refused, "p500.dat", 0, Guards::EarlyOutput, true},
         {"predictor empty", replace("r850.dat", ""), Expect::Refused, "r850.dat", 0,
-         Known::EarlyOutput},
+         Guards::EarlyOutput},
         {"predictor short", replace("r850.dat", firstLines(r850, days / 3)), Expect::Refused,
-         "r850.dat", 0, Known::EarlyOutput},
+         "r850.dat", 0, Guards::EarlyOutput},
         {"word near the end of a predictor", replace("r850.dat", replaceLine(r850, days - 5, "x")),
-         Expect::Refused, "r850.dat", days - 5, Known::EarlyOutput},
+         Expect::Refused, "r850.dat", days - 5, Guards::EarlyOutput},
         {"1e999 in a predictor", replace("r850.dat", replaceLine(r850, 400, "1e999")),
-         Expect::Refused, "r850.dat", 400, Known::NotANumber},
+         Expect::Refused, "r850.dat", 400, Guards::NotANumber},
         {"control bytes in a predictor", replace("r850.dat", replaceLine(r850, 3, "\x07\x08")),
-         Expect::Refused, "r850.dat", 3, Known::Quoting},
+         Expect::Refused, "r850.dat", 3, Guards::Quoting},
         {"byte-order mark on a predictor", replace("r850.dat", ByteOrderMark + r850),
-         Expect::Accepted, "", 0, Known::Quoting},
+         Expect::Accepted, "", 0, Guards::Quoting},
         {"CR line ends in a predictor", replace("r850.dat", withLineEnds(r850, "\r")),
          Expect::Accepted},
         {"a predictor all missing",
@@ -256,7 +257,7 @@ TEST(Robustness, PredictorFolders) {
             c.mentions = {edit.mention};
         }
         c.line = edit.line;
-        c.known = edit.known;
+        c.guards = edit.guards;
         c.unprivileged = edit.unprivileged;
         runner.run(c);
     }
@@ -310,18 +311,18 @@ TEST(Robustness, OutFiles) {
     CaseRunner runner("out-files");
     const long days = base.days;
     const std::vector<FileEdit> edits{
-        {"empty", emptied(), Expect::Refused, 0, Known::None, Expect::Either},
-        {"first half", cutTo(days / 2), Expect::Refused, 0, Known::None, Expect::Accepted},
-        {"a sign alone", zone(100, 2, "-"), Expect::Refused, 100, Known::NotANumber},
-        {"a point alone", zone(101, 2, "."), Expect::Refused, 101, Known::NotANumber},
-        {"1e999", zone(102, 3, "1e999"), Expect::Refused, 102, Known::NotANumber},
-        {"number and word", zone(103, 3, "1.2abc"), Expect::Refused, 103, Known::NotANumber},
+        {"empty", emptied(), Expect::Refused, 0, Guards::None, Expect::Either},
+        {"first half", cutTo(days / 2), Expect::Refused, 0, Guards::None, Expect::Accepted},
+        {"a sign alone", zone(100, 2, "-"), Expect::Refused, 100, Guards::NotANumber},
+        {"a point alone", zone(101, 2, "."), Expect::Refused, 101, Guards::NotANumber},
+        {"1e999", zone(102, 3, "1e999"), Expect::Refused, 102, Guards::NotANumber},
+        {"number and word", zone(103, 3, "1.2abc"), Expect::Refused, 103, Guards::NotANumber},
         {"a word", zone(104, 1, "abc"), Expect::Refused, 104},
-        {"a blank field", zone(105, 3, ""), Expect::Refused, 105, Known::None, Expect::Refused},
-        {"a short line", at(106, "13.169        0.925"), Expect::Refused, 106, Known::None,
+        {"a blank field", zone(105, 3, ""), Expect::Refused, 105, Guards::None, Expect::Refused},
+        {"a short line", at(106, "13.169        0.925"), Expect::Refused, 106, Guards::None,
          Expect::Refused},
         {"13-character columns", [](const std::string& file) { return withZoneWidth(file, 13); },
-         Expect::Refused, 1, Known::NotANumber, Expect::Accepted},
+         Expect::Refused, 1, Guards::NotANumber, Expect::Accepted},
         // Tabs that keep every value in its column are blanks; one tab between values is not
         // a column layout at all.
         {"tabs in place of blanks",
@@ -344,10 +345,10 @@ TEST(Robustness, OutFiles) {
              }
              return joinLines(lines);
          },
-         Expect::Refused, 1, Known::None, Expect::Accepted},
-        {"control bytes", zone(107, 2, "\x01\x02"), Expect::Refused, 107, Known::Quoting},
-        {"a 2 MiB line", at(10, std::string(2 << 20, '7')), Expect::Refused, 10, Known::Memory},
-        {"byte-order mark", withMark(), Expect::Accepted, 0, Known::Quoting},
+         Expect::Refused, 1, Guards::None, Expect::Accepted},
+        {"control bytes", zone(107, 2, "\x01\x02"), Expect::Refused, 107, Guards::Quoting},
+        {"a 2 MiB line", at(10, std::string(2 << 20, '7')), Expect::Refused, 10, Guards::Memory},
+        {"byte-order mark", withMark(), Expect::Accepted, 0, Guards::Quoting},
         {"CR line ends", lineEnds("\r"), Expect::Accepted},
         {"LF line ends", lineEnds("\n"), Expect::Accepted},
         {"a sixth value on a line", at(108, splitLines(base.outFile)[107] + "1.000"),
@@ -360,13 +361,13 @@ TEST(Robustness, OutFiles) {
             if (command.freeForm && edit.freeForm) {
                 c.expect = *edit.freeForm;
                 c.line = 0;
-                c.known = Known::None;
+                c.guards = Guards::None;
                 if (c.expect == Expect::Accepted) {
                     c.mentions.clear();
                 }
             }
-            if (command.freeForm && c.expect != Expect::Accepted && c.known == Known::None) {
-                c.known = Known::EarlyOutput;
+            if (command.freeForm && c.expect != Expect::Accepted && c.guards == Guards::None) {
+                c.guards = Guards::EarlyOutput;
             }
             runner.run(c);
         }
@@ -380,26 +381,26 @@ TEST(Robustness, SimFiles) {
     const BaseSet& base = baseSet();
     CaseRunner runner("sim-files");
     std::vector<FileEdit> edits{
-        {"empty", emptied(), Expect::Refused, 0, Known::SimMessage},
-        {"cut after six lines", cutTo(6), Expect::Refused, 0, Known::SimMessage},
-        {"year length 400", at(3, " 400 "), Expect::Refused, 3, Known::SimMessage},
-        {"first day 31/02/1961", at(4, "31/02/1961"), Expect::Refused, 4, Known::SimMessage},
-        {"days negative", at(5, " -1 "), Expect::Refused, 5, Known::SimMessage},
-        {"members 0", at(7, " 0 "), Expect::Refused, 7, Known::SimMessage},
-        {"members 101", at(7, " 101 "), Expect::Refused, 7, Known::SimMessage},
-        {"members 1e999", at(7, " 1e999 "), Expect::Refused, 7, Known::SimMessage},
-        {"groups 1e999", at(2, " 1e999 "), Expect::Refused, 2, Known::SimMessage},
-        {"year length -1e999", at(3, " -1e999 "), Expect::Refused, 3, Known::SimMessage},
-        {"bias correction 1e999", at(10, " 1e999 "), Expect::Refused, 10, Known::NotANumber},
-        {"control bytes", at(6, "#FALSE\x01#"), Expect::Refused, 6, Known::SimMessage},
-        {"a 2 MiB line", at(2, std::string(2 << 20, '1')), Expect::Refused, 2, Known::SimMessage},
-        {"byte-order mark", withMark(), Expect::Accepted, 0, Known::Quoting},
+        {"empty", emptied(), Expect::Refused, 0, Guards::SimMessage},
+        {"cut after six lines", cutTo(6), Expect::Refused, 0, Guards::SimMessage},
+        {"year length 400", at(3, " 400 "), Expect::Refused, 3, Guards::SimMessage},
+        {"first day 31/02/1961", at(4, "31/02/1961"), Expect::Refused, 4, Guards::SimMessage},
+        {"days negative", at(5, " -1 "), Expect::Refused, 5, Guards::SimMessage},
+        {"members 0", at(7, " 0 "), Expect::Refused, 7, Guards::SimMessage},
+        {"members 101", at(7, " 101 "), Expect::Refused, 7, Guards::SimMessage},
+        {"members 1e999", at(7, " 1e999 "), Expect::Refused, 7, Guards::SimMessage},
+        {"groups 1e999", at(2, " 1e999 "), Expect::Refused, 2, Guards::SimMessage},
+        {"year length -1e999", at(3, " -1e999 "), Expect::Refused, 3, Guards::SimMessage},
+        {"bias correction 1e999", at(10, " 1e999 "), Expect::Refused, 10, Guards::NotANumber},
+        {"control bytes", at(6, "#FALSE\x01#"), Expect::Refused, 6, Guards::SimMessage},
+        {"a 2 MiB line", at(2, std::string(2 << 20, '1')), Expect::Refused, 2, Guards::SimMessage},
+        {"byte-order mark", withMark(), Expect::Accepted, 0, Guards::Quoting},
         {"CR line ends", lineEnds("\r"), Expect::Accepted},
         {"LF line ends", lineEnds("\n"), Expect::Accepted},
     };
     for (long line = 1; line <= 10; ++line) {
         edits.push_back({"a word on line " + std::to_string(line), at(line, "word"),
-                         Expect::Refused, line, Known::SimMessage});
+                         Expect::Refused, line, Guards::SimMessage});
     }
     const OutCommand stats = outCommands().front();
     for (const FileEdit& edit : edits) {
@@ -424,7 +425,7 @@ TEST(Robustness, SimFiles) {
         Case c = outCase(runner, name, stats, base.outFile, base.simFile);
         make(c);
         c.mentions = {"run.SIM"};
-        c.known = Known::SimMessage;
+        c.guards = Guards::SimMessage;
         runner.run(c);
     }
     runner.report();

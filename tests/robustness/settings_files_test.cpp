@@ -56,7 +56,7 @@ struct SettingsEdit {
     std::function<void(Case&)> make; // writes or replaces VARO.INI (and other files)
     bool valuesRead = false;         // the file's own end date is in force
     std::string warning;             // a text the warning must hold (or, with valuesRead, may hold)
-    Known known = Known::None;
+    Guards guards = Guards::None;
     bool unprivileged = false;
 };
 
@@ -84,8 +84,8 @@ std::vector<SettingsEdit> settingsEdits() {
                      "ModelTransformation=99\r\nOptimisationChoice=-5\r\nConditionalSelection="
                      "\x01\r\nApplyStepwise=Maybe\r\n"),
          true},
-        {"a 256 KiB value", file(replacing("Thresh", longText)), true, "", Known::Memory},
-        {"a 256 KiB line without a key", file(base + longText + "\r\n"), true, "", Known::Memory},
+        {"a 256 KiB value", file(replacing("Thresh", longText)), true, "", Guards::Memory},
+        {"a 256 KiB line without a key", file(base + longText + "\r\n"), true, "", Guards::Memory},
         {"control bytes in a value", file(replacing("DefaultDir", "\x01\x1b[2J")), true},
         {"no section header", file(base.substr(base.find('\n') + 1))},
         {"two sections", file(base + "[VARO]\r\nGlobalEDate=31/12/1999\r\n"), true},
@@ -113,18 +113,18 @@ std::vector<SettingsEdit> settingsEdits() {
         {"redirected to a 256 KiB path",
          file(base + "INIFile=" + std::string(256 << 10, 'p') + "\r\n"), true},
         // Either the mark is skipped or the file is named in a warning as ignored.
-        {"byte-order mark", file(ByteOrderMark + base), true, "VARO.INI", Known::Quoting},
+        {"byte-order mark", file(ByteOrderMark + base), true, "VARO.INI", Guards::Quoting},
         {"a folder",
          [](Case& c) {
              std::filesystem::remove(c.path("VARO.INI"));
              c.makeFolder("VARO.INI");
          },
-         false, "VARO.INI", Known::ExitStatus},
+         false, "VARO.INI", Guards::ExitStatus},
         {"unreadable",
          [](Case& c) {
              std::filesystem::permissions(c.path("VARO.INI"), std::filesystem::perms::none);
          },
-         false, "VARO.INI", Known::ExitStatus, true},
+         false, "VARO.INI", Guards::ExitStatus, true},
     };
 }
 
@@ -146,7 +146,7 @@ TEST(Robustness, SettingsFilesRead) {
                                           : std::vector<std::string>{"settings", "show"};
             c.expect = Expect::Accepted;
             c.unprivileged = edit.unprivileged;
-            c.known = edit.known;
+            c.guards = edit.guards;
             if (edit.valuesRead && command != "qc") {
                 c.check = edit.warning.empty() ? showsFileValues : valuesOrWarning;
             } else if (!edit.valuesRead && !edit.warning.empty()) {
@@ -168,7 +168,7 @@ TEST(Robustness, SettingsFilesWritten) {
         std::vector<std::string> arguments; // without the private settings file
         Expect expect;
         std::vector<std::string> mentions;
-        Known known = Known::None;
+        Guards guards = Guards::None;
         bool unprivileged = false;
     };
     const std::vector<std::string> set{"--settings", "VARO.INI", "settings",
@@ -186,7 +186,7 @@ TEST(Robustness, SettingsFilesWritten) {
          set,
          Expect::Refused,
          {"VARO.INI"},
-         Known::SettingsWrite,
+         Guards::SettingsWrite,
          true},
         {"set on a folder",
          [](Case& c) {
@@ -203,19 +203,19 @@ TEST(Robustness, SettingsFilesWritten) {
          set,
          Expect::Refused,
          {"VARO.INI"},
-         Known::SettingsWrite},
+         Guards::SettingsWrite},
         {"set on a data file",
          [&](Case& c) { c.write("data.dat", base.precipitation); },
          {"--settings", "data.dat", "settings", "set", "Thresh", "0.5"},
          Expect::Refused,
          {"data.dat"},
-         Known::SettingsWrite},
+         Guards::SettingsWrite},
         {"set the settings file to a data file",
          [&](Case& c) { c.write("data.dat", base.precipitation); },
          {"--settings", "VARO.INI", "settings", "set", "INIFile", "data.dat"},
          Expect::Refused,
          {"data.dat"},
-         Known::SettingsWrite},
+         Guards::SettingsWrite},
         {"set a word as threshold",
          file(base.settings),
          {"--settings", "VARO.INI", "settings", "set", "Thresh", "abc"},
@@ -230,19 +230,19 @@ TEST(Robustness, SettingsFilesWritten) {
          set,
          Expect::Either,
          {},
-         Known::Quoting},
+         Guards::Quoting},
         {"set with a 256 KiB line",
          file(base.settings + std::string(256 << 10, 'k') + "\r\n"),
          set,
          Expect::Either,
          {},
-         Known::Memory},
+         Guards::Memory},
         {"reset in a folder under a file",
          [&](Case& c) { c.write("data.dat", base.precipitation); },
          {"--settings", "data.dat/VARO.INI", "settings", "reset"},
          Expect::Refused,
          {"data.dat/VARO.INI"},
-         Known::ExitStatus},
+         Guards::ExitStatus},
         {"reset on a folder",
          [](Case& c) {
              std::filesystem::remove(c.path("VARO.INI"));
@@ -251,7 +251,7 @@ TEST(Robustness, SettingsFilesWritten) {
          {"--settings", "VARO.INI", "settings", "reset"},
          Expect::Refused,
          {"VARO.INI"},
-         Known::ExitStatus},
+         Guards::ExitStatus},
     };
     for (const Write& write : writes) {
         Case c = runner.start(write.name, base.settings);
@@ -260,7 +260,7 @@ TEST(Robustness, SettingsFilesWritten) {
         c.arguments = write.arguments;
         c.expect = write.expect;
         c.mentions = write.mentions;
-        c.known = write.known;
+        c.guards = write.guards;
         c.unprivileged = write.unprivileged;
         c.writes = {"VARO.INI"};
         const std::string path = c.path("VARO.INI");
