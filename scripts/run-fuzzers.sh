@@ -39,7 +39,7 @@ for fuzzer in "$build"/tests/fuzz/fuzz_*; do
     rm -rf "$merged"
   fi
   rm -rf "$found"
-  echo "   corpus now $(find "$corpus" -type f | wc -l) inputs, $(du -sk "$corpus" | cut -f1) KiB"
+  echo "   corpus now $(find "$corpus" -type f | wc -l) inputs, $(du -sk --apparent-size "$corpus" | cut -f1) KiB of bytes"
 done
 
 if [ ${#failed[@]} -ne 0 ]; then

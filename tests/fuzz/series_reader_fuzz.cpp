@@ -18,7 +18,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         while (!lines.atEnd()) {
             const std::string line = lines.readLine();
             for (int k = 1; k <= 4; ++k) {
-                varo::core::zoneField(line, k);
+                double value = 0.0;
+                varo::core::zoneProblem(line, k, value);
             }
         }
     } catch (const varo::core::Failure&) {
