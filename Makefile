@@ -46,7 +46,7 @@ fuzz: deps
 	cmake --build --preset fuzz -j $(JOBS)
 	./scripts/run-fuzzers.sh build/fuzz $(FUZZ_SECONDS)
 
-format:
+format: deps
 	find src tests bench -name '*.cpp' -o -name '*.hpp' | xargs clang-format -i
 
 clean:

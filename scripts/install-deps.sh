@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Installs the Debian packages that building, testing and the demo need.
+# Installs the Debian packages that building, testing, the demo, the screenshots and the other
+# make targets (bench: /usr/bin/time and hyperfine; format: clang-format) need.
 # Does nothing when everything is already present; uses sudo when not root.
 # `install-deps.sh --list` prints the packages, one a line, and installs nothing.
 set -euo pipefail
@@ -13,7 +14,7 @@ packages=(
   # metrics and stands in for it, so charts keep their layout without the original font.
   fonts-dejavu-core fonts-liberation2
   clang libclang-rt-14-dev
-  xvfb xauth hyperfine
+  xvfb xauth hyperfine time clang-format
   python3-numpy python3-scipy python3-statsmodels python3-pandas
 )
 

@@ -16,8 +16,15 @@ export QT_QPA_PLATFORM=offscreen
 screens=(intro home quality transform screen calibrate generate stats compare settings advsettings
   screen-results stats-results
   chart1 chart1-settings scatterchart linechart pdfchart histogram timeserieschart fachart)
+failed=()
 for screen in "${screens[@]}"; do
   if env -u XDG_CONFIG_HOME HOME=/home/you "$gui" --screen "$screen" --screenshot "$out/$screen.png" 2>/dev/null; then
     echo "docs/images/$screen.png"
+  else
+    failed+=("$screen")
   fi
 done
+if [ ${#failed[@]} -gt 0 ]; then
+  echo "screenshots.sh: these screens failed: ${failed[*]}" >&2
+  exit 1
+fi

@@ -236,9 +236,12 @@ int runChain(CliContext& context, const DemoOptions& options) {
     for (const char* option : {"--process", "conditional", "--start"}) {
         screening.emplace_back(option);
     }
-    screening.insert(screening.end(), {fitStart, "--end", fitEnd});
-    demo.run(screening, false, "screening.txt",
-             "correlations of the eight predictors with precipitation");
+    // Saved by the command itself, as the screening screen saves its report.
+    screening.insert(screening.end(),
+                     {fitStart, "--end", fitEnd, "-o", demo.path("screening.txt")});
+    demo.run(screening, false);
+    demo.wrote("screening.txt", "the screening report: correlations of the eight predictors "
+                                "with wet-day occurrence");
 
     const Json rainModel = demo.run(
         {"--set", "ModelTransformation=2", "calibrate", rain, observed("p__z"), observed("r850"),
@@ -251,7 +254,7 @@ int runChain(CliContext& context, const DemoOptions& options) {
         {"calibrate", tmax, observed("temp"), observed("p500"), observed("r850"), "-o",
          demo.path("tmax.PAR"), "--start", fitStart, "--end", fitEnd},
         true, "tmax-calibration.json", "the temperature model's calibration report, as JSON");
-    demo.wrote("tmax.PAR", "the maximum temperature model, by month");
+    demo.wrote("tmax.PAR", "the maximum temperature model on temp, p500 and r850, by month");
 
     for (const char* model : {"precip", "tmax"}) {
         const std::string par = demo.path(std::string(model) + ".PAR");
@@ -269,12 +272,11 @@ int runChain(CliContext& context, const DemoOptions& options) {
             members + " daily series of " + variable + " from the observed predictors, " + years;
         const std::string fromModel =
             members + " daily series of " + variable + " from the climate model, " + futureYears;
-        demo.wrote(std::string(model) + "-observed.OUT", fromObserved);
-        demo.wrote(std::string(model) + "-observed.SIM",
-                   "the description of " + std::string(model) + "-observed.OUT");
-        demo.wrote(std::string(model) + "-model.OUT", fromModel);
-        demo.wrote(std::string(model) + "-model.SIM",
-                   "the description of " + std::string(model) + "-model.OUT");
+        for (const auto& [run, holds] : {std::pair{std::string(model) + "-observed", fromObserved},
+                                         std::pair{std::string(model) + "-model", fromModel}}) {
+            demo.wrote(run + ".OUT", holds);
+            demo.wrote(run + ".SIM", "how " + run + ".OUT was made: members, first day, calendar");
+        }
     }
 
     const std::vector<std::string> period{"--start", fitStart, "--end", fitEnd};
@@ -292,21 +294,24 @@ int runChain(CliContext& context, const DemoOptions& options) {
     ensemble.insert(ensemble.end(), period.begin(), period.end());
     const Json rainObserved =
         stats("precip.dat", "precip-observed-stats.txt", "Mean,Wet-days%", period,
-              "observed precipitation: mean and wet days by month, season and year");
+              "observed precipitation: wet-day mean and wet-day fraction by month, season, year");
     const Json rainModelled =
         stats("precip-observed.OUT", "precip-modelled-stats.txt", "Mean,Wet-days%", ensemble,
-              "the same of the modelled precipitation, ensemble mean");
+              "the same of the modelled precipitation: ensemble mean and standard deviation");
     const Json tmaxObserved = stats("tmax.dat", "tmax-observed-stats.txt", "Mean", period,
                                     "observed maximum temperature: mean by month, season and year");
-    const Json tmaxModelled = stats("tmax-observed.OUT", "tmax-modelled-stats.txt", "Mean",
-                                    ensemble, "the same of the modelled temperature");
+    const Json tmaxModelled =
+        stats("tmax-observed.OUT", "tmax-modelled-stats.txt", "Mean", ensemble,
+              "the same of the modelled temperature: ensemble mean and standard deviation");
     const Json rainChange =
         stats("precip-model.OUT", "precip-change.txt", "Mean,Wet-days%",
               {"--ensemble-mean", "--delta", "percentage"},
-              "the climate model's precipitation change against 1961-1990, with t tests");
+              "the climate model's precipitation, % change from 1961-1990 to three later "
+              "periods, t tests");
     const Json tmaxChange = stats(
         "tmax-model.OUT", "tmax-change.txt", "Mean", {"--ensemble-mean", "--delta", "absolute"},
-        "the climate model's temperature change against 1961-1990, with t tests");
+        "the climate model's temperature, change in deg C from 1961-1990 to three later "
+        "periods, t tests");
 
     context.printLine("");
     context.printLine("Summary");

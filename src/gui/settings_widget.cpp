@@ -288,6 +288,14 @@ AdvSettingsDialog::AdvSettingsDialog(ScreenContext& context, QWidget* parent)
     showRecord();
 }
 
+// Deleted while shown, the dialog is hidden only after its record is gone, and the field
+// that loses the focus then would finish its edit on that record: the fields fall silent.
+AdvSettingsDialog::~AdvSettingsDialog() {
+    for (QLineEdit* field : findChildren<QLineEdit*>()) {
+        field->blockSignals(true);
+    }
+}
+
 void AdvSettingsDialog::showRecord() {
     fields_->show();
     settingsFile_->setText(qt(record_.settingsFileText));

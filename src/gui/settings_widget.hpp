@@ -36,6 +36,7 @@ class AdvSettingsDialog : public QDialog {
     Q_OBJECT
 public:
     AdvSettingsDialog(ScreenContext& context, QWidget* parent = nullptr);
+    ~AdvSettingsDialog() override;
     screens::AdvSettingsScreen& record() { return record_; }
 
 private:

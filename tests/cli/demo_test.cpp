@@ -4,7 +4,11 @@
 #include "sampledata/sample_data.hpp"
 #include "weathergen/simulation_files.hpp"
 
+#include <filesystem>
 #include <gtest/gtest.h>
+#include <map>
+#include <set>
+#include <sstream>
 
 using namespace varo;
 using varo::testing::fileExists;
@@ -16,6 +20,26 @@ namespace {
 long countLines(const std::string& path) {
     const std::string text = readFile(path);
     return static_cast<long>(std::count(text.begin(), text.end(), '\n'));
+}
+
+// The closing list of the demo's output: each entry's name (a folder ends in '/') and what
+// it says the entry holds.
+std::map<std::string, std::string> listedFiles(const std::string& out) {
+    std::map<std::string, std::string> listed;
+    const size_t start = out.find("Files written in ");
+    if (start == std::string::npos) {
+        return listed;
+    }
+    std::istringstream lines(out.substr(start));
+    std::string line;
+    std::getline(lines, line);
+    while (std::getline(lines, line) && line.rfind("  ", 0) == 0) {
+        const size_t nameEnd = line.find(' ', 2);
+        const size_t holds = line.find_first_not_of(' ', nameEnd);
+        listed[line.substr(2, nameEnd - 2)] =
+            holds == std::string::npos ? std::string() : line.substr(holds);
+    }
+    return listed;
 }
 
 } // namespace
@@ -34,7 +58,11 @@ TEST(CliDemo, ShortChainWritesEveryStepsFilesAndRecoversTheKnownRelation) {
     // Sample data and the demo's own settings file.
     EXPECT_EQ(countLines(path("precip.dat")), 6 * 365 + 1);
     EXPECT_NE(readFile(path("VARO.INI")).find("RandomSeed=False"), std::string::npos);
-    EXPECT_NE(readFile(path("screening.txt")).find("CORRELATION MATRIX"), std::string::npos);
+    const std::string screening = readFile(path("screening.txt"));
+    EXPECT_NE(screening.find("CORRELATION MATRIX"), std::string::npos);
+    // Saved as the screening screen saves a report: every line ends in CR LF.
+    EXPECT_EQ(std::count(screening.begin(), screening.end(), '\n'),
+              std::count(screening.begin(), screening.end(), '\r'));
 
     // Models.
     const auto rain = calibration::readParameterFile(path("precip.PAR"));
@@ -91,6 +119,21 @@ TEST(CliDemo, ShortChainWritesEveryStepsFilesAndRecoversTheKnownRelation) {
     const double warming = std::stod(line.substr(line.rfind('%') + 1));
     EXPECT_GT(warming, 1.5) << line;
     EXPECT_LT(warming, 4.0) << line;
+
+    // The closing list names every file and folder the demo left, each with what it holds,
+    // and nothing it did not write; the summary calls the sample's noise by its name.
+    const auto listed = listedFiles(run.out);
+    std::set<std::string> present;
+    for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+        present.insert(entry.path().filename().string() + (entry.is_directory() ? "/" : ""));
+    }
+    std::set<std::string> names;
+    for (const auto& [name, holds] : listed) {
+        names.insert(name);
+        EXPECT_GT(holds.size(), 10u) << name;
+    }
+    EXPECT_EQ(names, present);
+    EXPECT_NE(run.out.find("the sample data's built-in noise: 1.50"), std::string::npos);
 }
 
 TEST(CliDemo, UnwritableFolderFailsWithItsMessage) {

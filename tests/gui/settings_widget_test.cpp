@@ -71,3 +71,19 @@ TEST_F(GuiFixture, AdvancedSettingsCouplesStepwiseAndOptimisation) {
     EXPECT_EQ(dialogs.lastText(), "Bias correction must be positive and less than two.");
     EXPECT_EQ(bias->text(), "1");
 }
+
+// Deleted while shown, the dialog's focused field loses its focus after the record behind
+// it is gone: that late edit must reach neither the record nor the settings in force.
+TEST_F(GuiFixture, AdvancedSettingsDeletedWhileEditingLeavesTheSettingsFile) {
+    window->showHome();
+    const std::string inForce = state.settingsFile;
+    std::unique_ptr<QDialog> dialog(window->advancedSettingsDialog());
+    dialog->show();
+    QApplication::setActiveWindow(dialog.get());
+    ASSERT_TRUE(QTest::qWaitForWindowActive(dialog.get()));
+    auto* file = dialog->findChild<QLineEdit*>("SettingsFileText");
+    file->setFocus();
+    file->setText(QString::fromStdString(dir.path("elsewhere.ini")));
+    dialog.reset();
+    EXPECT_EQ(state.settingsFile, inForce);
+}
