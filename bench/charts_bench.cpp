@@ -1,11 +1,13 @@
 // Drawing charts to pictures beside reading the data they show: a scatter of 11,000 points
-// (a predictor against a predictand over 30 years) and a line chart of 36,525 days (100
-// years), read from data files by the free-format reader and drawn at 800 x 600 pixels to
-// PNG and SVG by the renderer that the chart screens and `varo --plot` share.
+// (a predictor against a predictand over 30 years) and one of the most points a scatter
+// analysis hands over, and a line chart of 36,525 days (100 years), read from data files by
+// the free-format reader and drawn at 800 x 600 pixels to PNG and SVG by the renderer that
+// the chart screens and `varo --plot` share.
 #include "charts/chart_builders.hpp"
 #include "core/number_format.hpp"
 #include "core/series_file.hpp"
 #include "gui/charts/chart_render.hpp"
+#include "screening/scatter.hpp"
 
 #include <QApplication>
 #include <benchmark/benchmark.h>
@@ -70,8 +72,8 @@ varo::core::ProgramState& state() {
     return made;
 }
 
-varo::charts::ChartModel scatterModel() {
-    auto columns = readColumns(dataFile(ScatterPoints, 2), ScatterPoints, 2);
+varo::charts::ChartModel scatterModel(int points = ScatterPoints) {
+    auto columns = readColumns(dataFile(points, 2), points, 2);
     return varo::charts::scatterChart("0 missing value(s): rain.dat", "mslp.dat", "rain.dat",
                                       std::move(columns[0]), std::move(columns[1]), state());
 }
@@ -112,6 +114,18 @@ void ScatterToPng(benchmark::State& bench) {
     bench.SetItemsProcessed(bench.iterations() * ScatterPoints);
 }
 BENCHMARK(ScatterToPng)->Unit(benchmark::kMillisecond);
+
+// The scatter analysis's limit: what a redraw of its chart screen costs at most.
+void LargestScatterToPng(benchmark::State& bench) {
+    constexpr int Points = static_cast<int>(varo::screening::MaxScatterPoints);
+    const auto model = scatterModel(Points);
+    const std::string path = benchFile("varo-bench-largest-scatter.png");
+    for (auto _ : bench) {
+        varo::gui::saveChartPicture(model, path, PictureSize);
+    }
+    bench.SetItemsProcessed(bench.iterations() * Points);
+}
+BENCHMARK(LargestScatterToPng)->Unit(benchmark::kMillisecond);
 
 void ScatterToSvg(benchmark::State& bench) {
     const auto model = scatterModel();

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Renders every screen of the desktop program at its opening state into docs/images/, and
-# the screens with results after a run on the sample data (NAME-results), so that the user
+# the screens with results after a run on the sample data (NAME-results) and the charts such
+# runs open (screen-scatter, calibrate-scatter, calibrate-histogram), so that the user
 # guide's pictures come from the program itself.
 # Usage: scripts/screenshots.sh [BUILD_DIR]   (default build/release)
 set -euo pipefail
@@ -14,7 +15,7 @@ export QT_QPA_PLATFORM=offscreen
 # screenshot mode reads the settings file there (absent) and writes nothing.
 # The chart screens open with sample charts; "chart1-settings" shows a chart's settings screen.
 screens=(intro home quality transform screen calibrate generate stats compare settings advsettings
-  screen-results stats-results
+  screen-results stats-results screen-scatter calibrate-scatter calibrate-histogram
   chart1 chart1-settings scatterchart linechart pdfchart histogram timeserieschart fachart)
 failed=()
 for screen in "${screens[@]}"; do

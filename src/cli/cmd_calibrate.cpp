@@ -2,8 +2,10 @@
 // run. The model type, process, fit period, lag term and Chow test come from the options;
 // the transformation, optimisation, stepwise and criterion settings from the settings file
 // or --set. The report and the fitted coefficients go to stdout, as JSON with --json; the
-// parameter file written is named on stderr.
+// parameter file written is named on stderr. --plot FILE draws the residual plot that
+// --graph chooses (the scatter when --graph is not given).
 #include "cli/commands.hpp"
+#include "cli/plot_option.hpp"
 
 #include "calibration/calibration_report.hpp"
 #include "screens/calibrate_screen.hpp"
@@ -26,6 +28,9 @@ struct CalibrateOptions {
     bool autoregression = false;
     bool chow = false;
     std::optional<std::string> folds;
+    std::optional<std::string> graph;
+    std::optional<std::string> histogramBins;
+    PlotOptions plot;
     bool yes = false;
 };
 
@@ -156,8 +161,39 @@ void printCoefficients(CliContext& context, const Screen& screen) {
     }
 }
 
+// The plot choice: --graph, or the scatter when only --plot is given. A plot needs a file
+// to be drawn into and a file needs a plot, each refused without the other.
+std::optional<int> graphChoice(CliContext& context, const CalibrateOptions& options) {
+    static const std::map<std::string, int> graphs{{"none", Screen::NoGraph},
+                                                   {"scatter", Screen::ScatterPlot},
+                                                   {"histogram", Screen::Histogram}};
+    const std::string graph =
+        options.graph.value_or(options.plot.path.empty() ? "none" : "scatter");
+    if (graph != "none" && options.plot.path.empty()) {
+        context.dialogs().error("--graph " + graph +
+                                " draws a chart: name its picture with --plot FILE.png or "
+                                "--plot FILE.svg.");
+        return std::nullopt;
+    }
+    if (graph == "none" && !options.plot.path.empty()) {
+        context.dialogs().error("--plot: --graph none draws no chart; choose --graph scatter "
+                                "or --graph histogram.");
+        return std::nullopt;
+    }
+    return graphs.at(graph);
+}
+
 int runCalibrate(CliContext& context, CalibrateOptions& options) {
     if (const int refused = context.prepareState()) {
+        return refused;
+    }
+    const auto graph = graphChoice(context, options);
+    if (!graph) {
+        return ExitRefused;
+    }
+    std::vector<std::string> inputs{options.predictand};
+    inputs.insert(inputs.end(), options.predictors.begin(), options.predictors.end());
+    if (const int refused = checkPlotOptions(context, options.plot, inputs)) {
         return refused;
     }
     context.options.yes = context.options.yes || options.yes;
@@ -174,6 +210,10 @@ int runCalibrate(CliContext& context, CalibrateOptions& options) {
     if (options.folds) {
         screen.xValidationCheck = true;
         screen.noOfFoldsText.text = *options.folds;
+    }
+    screen.graphType = *graph;
+    if (options.histogramBins) {
+        screen.histogramCatsText.text = *options.histogramBins;
     }
     if (options.fitStart) {
         screen.fsDate.text = *options.fitStart;
@@ -194,6 +234,11 @@ int runCalibrate(CliContext& context, CalibrateOptions& options) {
         } else {
             printReport(context, screen.reportText());
             printCoefficients(context, screen);
+        }
+        if (screen.residualPlot) {
+            return writePlot(context, options.plot, *screen.residualPlot,
+                             screen.graphType == Screen::Histogram ? "Residual histogram"
+                                                                   : "Residual scatter");
         }
     }
     return exitCodeFor(outcome);
@@ -236,6 +281,15 @@ void addCalibrateCommand(CLI::App& app, CliContext& context, CommandResult& resu
         ->add_option("--cross-validation", options->folds,
                      "Cross-validate each group with this many folds (2 to 10)")
         ->type_name(kind::Integer);
+    oneOf(calibrate->add_option("--graph", options->graph,
+                                "Residual plot drawn by --plot: scatter (the default with "
+                                "--plot), histogram or none"),
+          {"none", "scatter", "histogram"});
+    calibrate
+        ->add_option("--histogram-bins", options->histogramBins,
+                     "Bars of the residual histogram, 5 to 100 (default 20)")
+        ->type_name(kind::Integer);
+    addPlotOptions(calibrate, options->plot);
     calibrate->add_flag("--yes", options->yes,
                         "Answer Yes to the question before a stepwise search");
     calibrate->callback([&, options] {

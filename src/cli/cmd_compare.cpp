@@ -67,7 +67,8 @@ int runCompare(CliContext& context, const CompareOptions& options) {
     if (const int refused = context.prepareState()) {
         return refused;
     }
-    if (const int refused = checkPlotOptions(context, options.plot)) {
+    if (const int refused =
+            checkPlotOptions(context, options.plot, {options.file1, options.file2})) {
         return refused;
     }
     screens::CompareResultsScreen screen(context.state);

@@ -1,9 +1,12 @@
 // varo screen correlation|variance|scatter PREDICTAND PREDICTOR...: the predictor screening
 // of the screening screen, printing its report or the scatter points (or JSON with --json),
-// and with -o FILE saving the report as text, as the screen's Save key does.
+// with -o FILE saving the report as text, as the screen's Save key does, and for the
+// scatter analysis with --plot FILE its chart as a picture.
 #include "cli/commands.hpp"
+#include "cli/plot_option.hpp"
 
 #include "core/number_format.hpp"
+#include "screens/chart_sources.hpp"
 #include "screens/screen_vars_screen.hpp"
 
 #include <algorithm>
@@ -25,6 +28,7 @@ struct ScreenOptions {
     bool autoregression = false;
     std::optional<std::string> sigLevel;
     std::string output;
+    PlotOptions plot;
 };
 
 // The period list's entries by their lower-case names.
@@ -124,7 +128,7 @@ nlohmann::ordered_json scatterJson(const ScreenOptions& options,
     document["title"] = data.title;
     document["xTitle"] = data.xTitle;
     document["yTitle"] = data.yTitle;
-    document["missing"] = data.missingCount;
+    document["missingCount"] = data.missingCount;
     auto points = nlohmann::ordered_json::array();
     for (const auto& point : data.points) {
         points.push_back({point.x, point.y});
@@ -155,11 +159,30 @@ int runScatter(CliContext& context, const ScreenOptions& options,
     for (const std::string& line : lines) {
         context.printLine(line);
     }
-    return saveLines(context, options, lines);
+    if (const int failed = saveLines(context, options, lines)) {
+        return failed;
+    }
+    return writePlot(context, options.plot,
+                     screens::scatterAnalysisChart(*screen.scatterPoints, context.state));
+}
+
+// Only the scatter analysis draws a chart; its picture must not replace an input.
+int checkPlot(CliContext& context, const ScreenOptions& options) {
+    if (!options.plot.path.empty() && options.analysis != "scatter") {
+        context.dialogs().error("--plot: only the scatter analysis draws a chart; " +
+                                options.analysis + " makes a report.");
+        return ExitRefused;
+    }
+    std::vector<std::string> inputs{options.predictand};
+    inputs.insert(inputs.end(), options.predictors.begin(), options.predictors.end());
+    return checkPlotOptions(context, options.plot, inputs);
 }
 
 int runScreen(CliContext& context, const ScreenOptions& options) {
     if (const int refused = context.prepareState()) {
+        return refused;
+    }
+    if (const int refused = checkPlot(context, options)) {
         return refused;
     }
     screens::ScreenVarsScreen screen(context.state);
@@ -251,6 +274,7 @@ void addScreenCommand(CLI::App& app, CliContext& context, CommandResult& result)
         ->add_option("-o,--output", options->output,
                      "Also save the report (or the scatter points) as text to this file")
         ->type_name(kind::File);
+    addPlotOptions(command, options->plot);
     command->callback([&, options] { result.exitCode = runScreen(context, *options); });
 }
 

@@ -2,6 +2,7 @@
 
 #include "cli/commands.hpp"
 #include "core/failure.hpp"
+#include "screens/screen_run.hpp"
 
 namespace varo::cli {
 
@@ -14,7 +15,8 @@ void addPlotOptions(CLI::App* command, PlotOptions& options) {
         ->type_name("WxH");
 }
 
-int checkPlotOptions(CliContext& context, const PlotOptions& options) {
+int checkPlotOptions(CliContext& context, const PlotOptions& options,
+                     const std::vector<std::string>& inputs) {
     if (options.path.empty()) {
         return ExitDone;
     }
@@ -27,6 +29,10 @@ int checkPlotOptions(CliContext& context, const PlotOptions& options) {
         context.dialogs().error(*problem);
         return ExitRefused;
     }
+    if (const auto refusal = screens::outputOverInput(context.state, {options.path}, inputs)) {
+        context.dialogs().error(*refusal);
+        return ExitRefused;
+    }
     const auto size = charts::parsePictureSize(options.size);
     if (const auto* message = std::get_if<std::string>(&size)) {
         context.dialogs().error("--plot-size: " + *message);
@@ -35,7 +41,8 @@ int checkPlotOptions(CliContext& context, const PlotOptions& options) {
     return ExitDone;
 }
 
-int writePlot(CliContext& context, const PlotOptions& options, const charts::ChartModel& chart) {
+int writePlot(CliContext& context, const PlotOptions& options, const charts::ChartModel& chart,
+              std::string_view what) {
     if (options.path.empty()) {
         return ExitDone;
     }
@@ -47,7 +54,7 @@ int writePlot(CliContext& context, const PlotOptions& options, const charts::Cha
         context.dialogs().error(core::reportFailureText(failure.number(), failure.description()));
         return ExitFailed;
     }
-    context.reportWritten("Chart", options.path);
+    context.reportWritten(what, options.path);
     return ExitDone;
 }
 

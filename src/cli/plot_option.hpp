@@ -9,6 +9,8 @@
 #include "cli/cli_context.hpp"
 
 #include <string>
+#include <string_view>
+#include <vector>
 
 namespace CLI {
 class App;
@@ -24,11 +26,14 @@ struct PlotOptions {
 void addPlotOptions(CLI::App* command, PlotOptions& options);
 
 // Answers 0, or ExitRefused after an "Error Message" naming what is wrong: no exporter in
-// this build, an unknown extension, a folder that does not exist, a bad size.
-int checkPlotOptions(CliContext& context, const PlotOptions& options);
+// this build, an unknown extension, a folder that does not exist, a bad size, a path that
+// is one of the command's `inputs` (or the settings file in force).
+int checkPlotOptions(CliContext& context, const PlotOptions& options,
+                     const std::vector<std::string>& inputs = {});
 
-// Draws the chart into the file and names it on stderr. Answers 0, or ExitFailed after the
-// failure box; a failed picture leaves no file.
-int writePlot(CliContext& context, const PlotOptions& options, const charts::ChartModel& chart);
+// Draws the chart into the file and names it on stderr as `what` ("Chart written: F").
+// Answers 0, or ExitFailed after the failure box; a failed picture leaves no file.
+int writePlot(CliContext& context, const PlotOptions& options, const charts::ChartModel& chart,
+              std::string_view what = "Chart");
 
 } // namespace varo::cli

@@ -3,6 +3,7 @@
 #include "core/failure.hpp"
 #include "core/settings.hpp"
 #include "gui/charts/chart_screenshots.hpp"
+#include "gui/charts/chart_window.hpp"
 #include "gui/help_viewer.hpp"
 #include "gui/main_window.hpp"
 #include "gui/sample_runs.hpp"
@@ -21,42 +22,40 @@ namespace varo::gui {
 
 namespace {
 
-constexpr std::string_view ResultsSuffix = "-results";
-
-// "stats-results": the summary statistics screen after a run on the sample data.
-std::optional<screens::ScreenKey> sampleRunKey(const QString& name) {
-    const std::string text = name.toStdString();
-    if (!text.ends_with(ResultsSuffix)) {
-        return std::nullopt;
-    }
-    const auto* key = screens::findToolbarKey(text.substr(0, text.size() - ResultsSuffix.size()));
-    return key == nullptr ? std::nullopt : std::optional(key->key);
-}
-
-// Opens the page named on the command line; with a sample folder, a NAME-results page is
-// the screen after its sample run there. 0, or the exit status of a name refused.
+// Opens the page named on the command line; with a sample folder, the name of a sample run
+// is its screen after the run there. 0, or the exit status of a name refused.
 int openPage(MainWindow& window, SampleDialogs& dialogs, const QString& name,
              const QString& sampleFolder) {
-    const auto sampleKey = sampleFolder.isEmpty() ? std::nullopt : sampleRunKey(name);
-    if (!sampleKey) {
+    const std::string runName = name.toStdString();
+    if (sampleFolder.isEmpty() || !isSampleRun(runName)) {
         if (!showNamedScreen(window, name)) {
-            std::cerr << "varo-gui: there is no screen '" << name.toStdString() << "'\n";
+            std::cerr << "varo-gui: there is no screen '" << runName << "'\n";
             return 2;
         }
         return 0;
     }
     window.showHome();
     try {
-        if (!runSample(window, dialogs, *sampleKey,
-                       (sampleFolder + "/demo-output").toStdString())) {
-            std::cerr << "varo-gui: there is no sample run of '" << name.toStdString() << "'\n";
-            return 2;
-        }
+        runSample(window, dialogs, runName, (sampleFolder + "/demo-output").toStdString());
     } catch (const core::Failure& failure) {
         std::cerr << "varo-gui: " << failure.description() << '\n';
         return 1;
     }
     return 0;
+}
+
+// The window a screenshot shows: a chart screen a sample chart or a sample run opened, or
+// the main window.
+QWidget* pictured(MainWindow& window, const QString& name) {
+    if (QWidget* chart = sampleChartScreen(window, name)) {
+        return chart;
+    }
+    if (isSampleRun(name.toStdString())) {
+        if (auto* chart = window.findChild<ChartWindow*>()) {
+            return chart;
+        }
+    }
+    return &window;
 }
 
 } // namespace
@@ -88,10 +87,6 @@ bool showNamedScreen(MainWindow& window, const QString& name) {
 bool saveScreenshot(MainWindow& window, const QString& name, const QString& file) {
     window.show();
     QApplication::processEvents();
-    if (QWidget* chart = sampleChartScreen(window, name)) {
-        QApplication::processEvents();
-        return chart->grab().save(file, "PNG");
-    }
     if (name == "advsettings" || name == "help") {
         // The dialogs are shown without waiting, drawn and closed.
         QDialog* dialog = name == "help" ? static_cast<QDialog*>(new HelpViewer(&window))
@@ -102,8 +97,9 @@ bool saveScreenshot(MainWindow& window, const QString& name, const QString& file
         delete dialog;
         return saved;
     }
-    const QPixmap picture = window.grab();
-    return picture.save(file, "PNG");
+    QWidget* shown = pictured(window, name);
+    QApplication::processEvents();
+    return shown->grab().save(file, "PNG");
 }
 
 int runDesktop(QApplication& app) {
@@ -117,7 +113,8 @@ int runDesktop(QApplication& app) {
         "screen",
         "Open on a screen: intro, home, settings, advsettings, help, quality, ...; with "
         "--screenshot also stats-results, screen-results or quality-results: the screen after "
-        "a run on the sample data.",
+        "a run on the sample data; screen-scatter, calibrate-scatter or calibrate-histogram: "
+        "the chart such a run opens.",
         "KEY");
     const QCommandLineOption screenshot("screenshot", "Render the screen to a PNG file and exit.",
                                         "FILE");

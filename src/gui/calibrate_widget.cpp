@@ -1,4 +1,5 @@
 #include "gui/calibrate_widget.hpp"
+#include "gui/charts/chart_window.hpp"
 #include "gui/widget_helpers.hpp"
 
 #include "core/failure.hpp"
@@ -280,18 +281,10 @@ QWidget* CalibrateWidget::buildModel() {
     auto* graphRow = new QHBoxLayout();
     graphType_ = options("GraphType", {"None", "Scatter plot", "Histogram"}, box, graphRow);
     form->addRow("Residual plot:", graphRow);
-    auto* histogramBars =
-        narrow(bindField("HistogramCatsText", record_.histogramCatsText,
-                         [this, &dialogs] { return record_.checkHistogramCategories(dialogs); }));
-    form->addRow("Histogram bars:", histogramBars);
-    // No residual chart is drawn yet, so the choice is shown but cannot be made.
-    const QString notYet = "Residual charts come in a later version; for now no plot is drawn.";
-    for (QAbstractButton* option : graphType_->buttons()) {
-        option->setEnabled(false);
-        option->setToolTip(notYet);
-    }
-    histogramBars->setEnabled(false);
-    histogramBars->setToolTip(notYet);
+    form->addRow("Histogram bars:",
+                 narrow(bindField("HistogramCatsText", record_.histogramCatsText, [this, &dialogs] {
+                     return record_.checkHistogramCategories(dialogs);
+                 })));
 
     connect(modelType_, &QButtonGroup::idClicked, this, [this](int id) { record_.modelType = id; });
     connect(process_, &QButtonGroup::idClicked, this, [this](int id) { record_.parmOpt = id; });
@@ -340,14 +333,30 @@ void CalibrateWidget::refreshGlobals() {
 void CalibrateWidget::calibrate() {
     runLong([this](core::Progress& progress) { record_.calibrate(context_.dialogs, progress); });
     showRecord();
-    if (record_.report) {
-        if (results_ != nullptr) {
-            results_->close();
-        }
-        results_ = new CalibrateResultsDialog(context_, record_, window());
-        connect(results_, &QObject::destroyed, this, [this] { results_ = nullptr; });
-        results_->show();
+    showResults();
+}
+
+// The report in its window, then the residual plot over it, in place of the last run's.
+void CalibrateWidget::showResults() {
+    if (!record_.report) {
+        return;
     }
+    if (results_ != nullptr) {
+        results_->close();
+    }
+    results_ = new CalibrateResultsDialog(context_, record_, window());
+    connect(results_, &QObject::destroyed, this, [this] { results_ = nullptr; });
+    results_->show();
+    if (record_.residualPlot) {
+        replaceChartScreen(residualChart_, context_.state, context_.dialogs, *record_.residualPlot,
+                           window());
+    } else if (residualChart_ != nullptr) {
+        residualChart_->close();
+    }
+}
+
+ChartWindow* CalibrateWidget::residualChart() const {
+    return residualChart_;
 }
 
 } // namespace varo::gui

@@ -2,14 +2,15 @@
 // predictand, the predictor list of a folder, the fit period, model type, process, lag term,
 // Chow test, cross-validation and plot choices and the parameter file; after a run the
 // report, the fitted coefficients and a stepwise search's choice open in their own window,
-// from which they can be printed or saved as text. The residual plot choice is shown but
-// not yet in force: no chart is drawn.
+// from which they can be printed or saved as text, and the residual scatter or histogram
+// that the plot choice asks for opens on its chart screen.
 #pragma once
 
 #include "gui/screen_widget.hpp"
 #include "screens/calibrate_screen.hpp"
 
 #include <QDialog>
+#include <QPointer>
 
 class QButtonGroup;
 class QCheckBox;
@@ -18,6 +19,8 @@ class QListWidget;
 class QTextEdit;
 
 namespace varo::gui {
+
+class ChartWindow;
 
 // CalibResultsFrm: the report of the last calibration as a page of tables, followed by the
 // fitted coefficients.
@@ -50,6 +53,8 @@ public:
     screens::CalibrateScreen& record() { return record_; }
     // The window of the last report, while it is open.
     CalibrateResultsDialog* resultsDialog() const { return results_; }
+    // The chart screen of the last residual plot, while it is open.
+    ChartWindow* residualChart() const;
 
 private:
     QWidget* buildFiles();
@@ -59,6 +64,7 @@ private:
     void showRecord();
     void showSelection();
     void calibrate();
+    void showResults();
 
     screens::CalibrateScreen record_;
     QLabel* predictandLabel_ = nullptr;
@@ -68,12 +74,13 @@ private:
     QLabel* noOfDays_ = nullptr;
     QButtonGroup* modelType_ = nullptr;
     QButtonGroup* process_ = nullptr;
-    QButtonGroup* graphType_ = nullptr; // shown disabled until charts are drawn
+    QButtonGroup* graphType_ = nullptr;
     QCheckBox* autoregression_ = nullptr;
     QCheckBox* chow_ = nullptr;
     QCheckBox* crossValidation_ = nullptr;
     QLabel* parFileLabel_ = nullptr;
     CalibrateResultsDialog* results_ = nullptr;
+    QPointer<ChartWindow> residualChart_;
 };
 
 } // namespace varo::gui

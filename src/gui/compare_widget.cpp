@@ -102,10 +102,7 @@ void CompareWidget::plot() {
     if (!chart) {
         return;
     }
-    if (chart_ != nullptr) {
-        chart_->close();
-    }
-    chart_ = openChartScreen(context_.state, context_.dialogs, std::move(*chart), window());
+    replaceChartScreen(chart_, context_.state, context_.dialogs, std::move(*chart), window());
 }
 
 } // namespace varo::gui

@@ -6,6 +6,7 @@
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QListWidget>
 #include <QTreeWidget>
 #include <functional>
 #include <map>
@@ -24,46 +25,88 @@ void press(MainWindow& window, const QString& name) {
     QApplication::processEvents();
 }
 
-void selectRainPredictors(MainWindow& window) {
-    auto* list = window.findChild<QTreeWidget*>("File2");
-    if (list == nullptr) {
-        return;
+// Selects the named files in the predictor list of the screening (a tree with
+// descriptions) or of the calibration (a plain list).
+void selectPredictors(MainWindow& window, const QStringList& names) {
+    if (auto* tree = window.findChild<QTreeWidget*>("File2")) {
+        for (int i = 0; i < tree->topLevelItemCount(); ++i) {
+            QTreeWidgetItem* item = tree->topLevelItem(i);
+            item->setSelected(names.contains(item->text(0)));
+        }
     }
-    for (int i = 0; i < list->topLevelItemCount(); ++i) {
-        QTreeWidgetItem* item = list->topLevelItem(i);
-        item->setSelected(RainPredictors.contains(item->text(0)));
+    if (auto* list = window.findChild<QListWidget*>("File2")) {
+        for (int i = 0; i < list->count(); ++i) {
+            list->item(i)->setSelected(names.contains(list->item(i)->text()));
+        }
     }
 }
 
-using SampleRun = std::function<void(MainWindow&, SampleDialogs&, const sampledata::SampleFiles&)>;
+using RunSteps = std::function<void(MainWindow&, SampleDialogs&, const sampledata::SampleFiles&)>;
 
-const std::map<screens::ScreenKey, SampleRun>& sampleRuns() {
+struct SampleRun {
+    screens::ScreenKey screen;
+    RunSteps steps;
+};
+
+// The screening screen on a predictand of the sample set and predictors of its folder,
+// followed by the given keys.
+SampleRun screening(std::string sampledata::SampleFiles::*predictand, QStringList predictors,
+                    QStringList keys) {
+    return {screens::ScreenKey::Screen,
+            [=](MainWindow& window, SampleDialogs& dialogs, const sampledata::SampleFiles& files) {
+                dialogs.picks = {files.*predictand, files.predictorFolder};
+                press(window, "PredtandButton");
+                press(window, "Dir2");
+                selectPredictors(window, predictors);
+                for (const QString& key : keys) {
+                    press(window, key);
+                }
+            }};
+}
+
+// The precipitation model of the demo, conditional and monthly, with the residual plot
+// chosen by its option ("GraphType1" the scatter, "GraphType2" the histogram).
+SampleRun rainCalibration(const QString& graphOption) {
+    return {screens::ScreenKey::Calibrate, [graphOption](MainWindow& window, SampleDialogs& dialogs,
+                                                         const sampledata::SampleFiles& files) {
+                dialogs.picks = {files.precipitation, files.predictorFolder,
+                                 core::folderOf(files.precipitation) + "/precip.PAR"};
+                press(window, "PredictandButton");
+                press(window, "Dir2");
+                selectPredictors(window, RainPredictors);
+                press(window, "PARFileButton");
+                press(window, "ParmOpt0");
+                press(window, graphOption);
+                press(window, "tb1Calibrate");
+            }};
+}
+
+const std::map<std::string, SampleRun, std::less<>>& sampleRuns() {
     using screens::ScreenKey;
-    static const std::map<ScreenKey, SampleRun> runs = {
-        {ScreenKey::Quality,
-         [](MainWindow& window, SampleDialogs& dialogs, const sampledata::SampleFiles& files) {
-             dialogs.picks = {files.precipitation};
-             press(window, "SelectFileButton");
-             press(window, "tb1Check");
-         }},
-        {ScreenKey::Screen,
-         [](MainWindow& window, SampleDialogs& dialogs, const sampledata::SampleFiles& files) {
-             dialogs.picks = {files.precipitation, files.predictorFolder};
-             press(window, "PredtandButton");
-             press(window, "Dir2");
-             selectRainPredictors(window);
-             press(window, "ParmOpt0");
-             press(window, "tb1Variance");
-         }},
-        {ScreenKey::AnalyseData,
-         [](MainWindow& window, SampleDialogs& dialogs, const sampledata::SampleFiles& files) {
-             dialogs.picks = {files.precipitation,
-                              core::folderOf(files.precipitation) + "/precip-stats.txt"};
-             press(window, "SourceButton0");
-             press(window, "SelectInputFile");
-             press(window, "SaveButton");
-             press(window, "tb1Analyse");
-         }},
+    static const std::map<std::string, SampleRun, std::less<>> runs = {
+        {"quality-results",
+         {ScreenKey::Quality,
+          [](MainWindow& window, SampleDialogs& dialogs, const sampledata::SampleFiles& files) {
+              dialogs.picks = {files.precipitation};
+              press(window, "SelectFileButton");
+              press(window, "tb1Check");
+          }}},
+        {"screen-results", screening(&sampledata::SampleFiles::precipitation, RainPredictors,
+                                     {"ParmOpt0", "tb1Variance"})},
+        {"screen-scatter",
+         screening(&sampledata::SampleFiles::maximumTemperature, {"temp.dat"}, {"tb1Scatter"})},
+        {"calibrate-scatter", rainCalibration("GraphType1")},
+        {"calibrate-histogram", rainCalibration("GraphType2")},
+        {"stats-results",
+         {ScreenKey::AnalyseData,
+          [](MainWindow& window, SampleDialogs& dialogs, const sampledata::SampleFiles& files) {
+              dialogs.picks = {files.precipitation,
+                               core::folderOf(files.precipitation) + "/precip-stats.txt"};
+              press(window, "SourceButton0");
+              press(window, "SelectInputFile");
+              press(window, "SaveButton");
+              press(window, "tb1Analyse");
+          }}},
     };
     return runs;
 }
@@ -88,16 +131,20 @@ std::optional<std::string> SampleDialogs::nextPick() {
     return path;
 }
 
-bool runSample(MainWindow& window, SampleDialogs& dialogs, screens::ScreenKey key,
+bool isSampleRun(std::string_view name) {
+    return sampleRuns().contains(name);
+}
+
+bool runSample(MainWindow& window, SampleDialogs& dialogs, std::string_view name,
                const std::string& folder) {
-    const auto run = sampleRuns().find(key);
+    const auto run = sampleRuns().find(name);
     if (run == sampleRuns().end()) {
         return false;
     }
-    window.goTo(key);
+    window.goTo(run->second.screen);
     sampledata::SampleOptions options;
     options.futureLastYear = options.futureFirstYear; // the screens here read observed data
-    run->second(window, dialogs, sampledata::writeSampleData(folder, options));
+    run->second.steps(window, dialogs, sampledata::writeSampleData(folder, options));
     return true;
 }
 

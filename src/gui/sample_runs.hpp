@@ -10,6 +10,7 @@
 #include <deque>
 #include <ostream>
 #include <string>
+#include <string_view>
 
 namespace varo::gui {
 
@@ -38,9 +39,15 @@ private:
     std::ostream& log_;
 };
 
-// Goes to the screen, writes the sample set into `folder` and runs the screen on it; false
-// when the screen has no sample run. The window must have been made with `dialogs`.
-bool runSample(MainWindow& window, SampleDialogs& dialogs, screens::ScreenKey key,
+// The sample runs by name: "quality-results", "screen-results" and "stats-results" leave
+// the screen with its results; "screen-scatter", "calibrate-scatter" and
+// "calibrate-histogram" open the chart of the run over it.
+bool isSampleRun(std::string_view name);
+
+// Goes to the screen of the named run, writes the sample set into `folder` and runs the
+// screen on it; false when there is no such run. The window must have been made with
+// `dialogs`.
+bool runSample(MainWindow& window, SampleDialogs& dialogs, std::string_view name,
                const std::string& folder);
 
 } // namespace varo::gui

@@ -1,5 +1,7 @@
 #include "gui/screen_vars_widget.hpp"
+#include "gui/charts/chart_window.hpp"
 #include "gui/widget_helpers.hpp"
+#include "screens/chart_sources.hpp"
 
 #include <QButtonGroup>
 #include <QCheckBox>
@@ -26,6 +28,7 @@ ScreenVarsWidget::ScreenVarsWidget(ScreenContext& context, QWidget* parent)
     : ScreenWidget(context, "Screen Variables", parent), record_(context.state) {
     addKey("Correlation", "tb1Correlation", [this] { analyse(false); });
     addKey("Explained Variance", "tb1Variance", [this] { analyse(true); });
+    addKey("Scatter", "tb1Scatter", [this] { scatter(); });
     addKey("Save Report...", "tb1Save", [this] { saveReport(); });
     addKey("Reset", "tb1Reset", [this] {
         record_.reset();
@@ -210,6 +213,21 @@ void ScreenVarsWidget::analyse(bool variance) {
         }
         showRecord();
     });
+}
+
+void ScreenVarsWidget::scatter() {
+    runLong([this](core::Progress& progress) { record_.scatter(context_.dialogs, progress); });
+    showRecord();
+    if (!record_.scatterPoints) {
+        return;
+    }
+    replaceChartScreen(scatterChart_, context_.state, context_.dialogs,
+                       screens::scatterAnalysisChart(*record_.scatterPoints, context_.state),
+                       window());
+}
+
+ChartWindow* ScreenVarsWidget::scatterChart() const {
+    return scatterChart_;
 }
 
 } // namespace varo::gui

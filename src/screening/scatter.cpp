@@ -73,7 +73,9 @@ ScatterData scatterData(const ScreeningRequest& request, const core::ProgramStat
                 if (static_cast<long>(data.points.size()) == MaxScatterPoints) {
                     throw core::Failure(core::failure::OverflowOccurred,
                                         "More than " + std::to_string(MaxScatterPoints) +
-                                            " points, more than a scatter chart can show.");
+                                            " points, more than a scatter chart can show: "
+                                            "choose a shorter fit period or a season or "
+                                            "month.");
                 }
                 data.points.push_back({x, y});
             }

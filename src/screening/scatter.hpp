@@ -12,8 +12,9 @@
 
 namespace varo::screening {
 
-// A chart's data grid takes a 16-bit row index.
-inline constexpr long MaxScatterPoints = 32767;
+// The most points a scatter chart is given: over 1,300 years of daily data, drawn in about
+// a second. More would make every redraw of the chart screen a long wait.
+inline constexpr long MaxScatterPoints = 500000;
 
 struct ScatterPoint {
     double x = 0.0; // the predictor (column 1 of the grid)
@@ -36,7 +37,8 @@ struct ScatterData {
 // period filter are read and dropped; a day with a missing value counts as missing; under
 // the conditional process only days whose predictand is an event become points. Throws
 // `core::RunStopped` "Could not find selected file.  Please retry." when a file cannot be
-// opened, `core::Failure` (62 for a short file, 6 past 32767 points) and `core::Cancelled`.
+// opened, `core::Failure` (62 for a short file, 6 past `MaxScatterPoints` points) and
+// `core::Cancelled`.
 ScatterData scatterData(const ScreeningRequest& request, const core::ProgramState& state,
                         core::Progress& progress);
 

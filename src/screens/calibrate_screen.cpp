@@ -1,5 +1,6 @@
 #include "screens/calibrate_screen.hpp"
 
+#include "screens/chart_sources.hpp"
 #include "screens/fit_period.hpp"
 #include "screens/folder_listing.hpp"
 
@@ -62,10 +63,15 @@ void CalibrateScreen::reset() {
     graphType = NoGraph;
     histogramCatsText.reset(std::string(DefaultHistogramCategories));
     parFileText = NoParFile;
+    clearResults();
+}
+
+void CalibrateScreen::clearResults() {
     results.reset();
     report.reset();
     coefficients.clear();
     stepwiseLines.clear();
+    residualPlot.reset();
     silentStopReason.clear();
 }
 
@@ -249,11 +255,7 @@ calibration::CalibrationRequest CalibrateScreen::request() const {
 }
 
 RunOutcome CalibrateScreen::calibrate(Dialogs& dialogs, core::Progress& progress) {
-    results.reset();
-    report.reset();
-    coefficients.clear();
-    stepwiseLines.clear();
-    silentStopReason.clear();
+    clearResults();
     if (!checkInputs(dialogs)) {
         return RunOutcome::Refused;
     }
@@ -285,6 +287,7 @@ RunOutcome CalibrateScreen::calibrate(Dialogs& dialogs, core::Progress& progress
                 if (found.stepwise) {
                     stepwiseLines = calibration::stepwiseLines(*found.stepwise);
                 }
+                residualPlot = residualChart(found.residualPairs);
                 results = std::move(found);
             } catch (const calibration::SilentStop& stop) {
                 silentStopReason = stop.what();
@@ -295,6 +298,18 @@ RunOutcome CalibrateScreen::calibrate(Dialogs& dialogs, core::Progress& progress
             return RunOutcome::Done;
         },
         [&] { cleanup(); });
+}
+
+std::optional<charts::ChartModel>
+CalibrateScreen::residualChart(const std::vector<calibration::ResidualPair>& pairs) const {
+    if (graphType == ScatterPlot) {
+        return residualScatterChart(pairs, state_);
+    }
+    if (graphType == Histogram) {
+        const auto bars = core::roundHalfEven(core::leadingNumber(histogramCatsText.text));
+        return residualHistogramChart(pairs, static_cast<int>(bars), state_);
+    }
+    return std::nullopt;
 }
 
 std::string CalibrateScreen::reportText() const {

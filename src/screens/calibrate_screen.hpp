@@ -6,11 +6,13 @@
 // The date, folds and histogram fields are checked when they lose the focus and again at
 // the start of a run; a refused entry shows its message and the field takes its last good
 // value again. A run checks the inputs in a fixed order and stops at the first refusal.
-// The parameter file is written only when the whole run succeeds.
+// The parameter file is written only when the whole run succeeds; then the report is made
+// and, when the plot choice asks for one, the residual scatter or histogram.
 #pragma once
 
 #include "calibration/calibrate_driver.hpp"
 #include "calibration/calibration_report.hpp"
+#include "charts/chart_model.hpp"
 #include "core/program_state.hpp"
 #include "core/progress.hpp"
 #include "screens/dialogs.hpp"
@@ -71,6 +73,9 @@ public:
     // model), and what a stepwise search chose: shown after the report.
     std::vector<core::ResultsTable> coefficients;
     std::vector<std::string> stepwiseLines;
+    // The residual plot that GraphType asked for (the amounts' residuals of a conditional
+    // model), for the chart screen; none with the choice "None".
+    std::optional<charts::ChartModel> residualPlot;
     // Why a run ended without a word (a transformation that could not go on), for the
     // command line; the desktop shows nothing.
     std::string silentStopReason;
@@ -111,8 +116,11 @@ private:
     bool checkInputs(Dialogs& dialogs);
     bool checkParFileName(Dialogs& dialogs);
     calibration::CalibrationRequest request() const;
+    std::optional<charts::ChartModel>
+    residualChart(const std::vector<calibration::ResidualPair>& pairs) const;
     std::vector<std::string> inputPaths() const;
     void updateNoOfDays();
+    void clearResults();
     void cleanup();
 
     core::ProgramState& state_;

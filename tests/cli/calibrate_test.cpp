@@ -264,3 +264,68 @@ TEST(CliCalibrate, RelativePredictandPathSurvivesACd) {
     EXPECT_EQ(generated.exitCode, 0) << generated.err;
     EXPECT_TRUE(fileExists((home / "runs/run.OUT").string()));
 }
+
+// --plot draws the residual plot of --graph, the scatter when --graph is not given, and
+// names what it drew; --histogram-bins sets the bars.
+TEST(CliCalibrate, PlotDrawsTheResidualPlotThatGraphChooses) {
+    TempDir dir;
+    RecordingExporter exporter;
+    const std::string picture = dir.path("residuals.svg");
+    struct Case {
+        std::vector<std::string> options;
+        std::string title;
+        size_t bars; // 0: the scatter
+        std::string written;
+    };
+    const std::vector<Case> cases = {
+        {{}, "Residual Plot", 0, "Residual scatter written: "},
+        {{"--graph", "histogram", "--histogram-bins", "7"},
+         "VARO Residual Histogram",
+         7,
+         "Residual histogram written: "},
+    };
+    for (const Case& test : cases) {
+        std::vector<std::string> options = {"--model", "annual", "--plot", picture};
+        options.insert(options.end(), test.options.begin(), test.options.end());
+        const auto run = runWith(dir, calibrateArgs(dir.path("MODEL.PAR"), options), &exporter);
+        ASSERT_EQ(run.exitCode, 0) << run.err;
+        ASSERT_FALSE(exporter.charts.empty());
+        const auto& chart = exporter.charts.back();
+        EXPECT_EQ(chart.title, test.title);
+        EXPECT_EQ(chart.categories.size(), test.bars);
+        EXPECT_TRUE(contains(run.err, test.written + picture + "\n")) << run.err;
+    }
+}
+
+// A plot choice without a picture, a picture without a plot and a bar count out of bounds
+// are refused before anything is read or written.
+TEST(CliCalibrate, GraphAndPlotRefusalsWriteNothing) {
+    TempDir dir;
+    RecordingExporter exporter;
+    const std::string par = dir.path("MODEL.PAR");
+    const std::string picture = dir.path("residuals.png");
+    struct Case {
+        std::vector<std::string> options;
+        std::string message;
+    };
+    const std::vector<Case> cases = {
+        {{"--graph", "histogram"},
+         "--graph histogram draws a chart: name its picture with --plot FILE.png or --plot "
+         "FILE.svg."},
+        {{"--graph", "none", "--plot", picture},
+         "--plot: --graph none draws no chart; choose --graph scatter or --graph histogram."},
+        {{"--graph", "histogram", "--histogram-bins", "101", "--plot", picture},
+         "Histogram catgeories cannot be less than 5 or greater than 100."},
+        {{"--plot", Data + "/rain.dat"},
+         "Cannot save the chart as '" + Data +
+             "/rain.dat': the file name must end in .png or .svg."},
+    };
+    for (const Case& test : cases) {
+        const auto run = runWith(dir, calibrateArgs(par, test.options), &exporter);
+        EXPECT_EQ(run.exitCode, 2) << test.message;
+        EXPECT_EQ(run.err, "Error Message: " + test.message + "\n");
+        EXPECT_FALSE(fileExists(par));
+        EXPECT_FALSE(fileExists(picture));
+    }
+    EXPECT_TRUE(exporter.charts.empty());
+}

@@ -1,6 +1,4 @@
-#include "charts/chart_export.hpp"
 #include "cli_test_support.hpp"
-#include "core/failure.hpp"
 
 #include <fstream>
 #include <gtest/gtest.h>
@@ -13,39 +11,6 @@ namespace {
 
 std::string data(const std::string& name) {
     return std::string(VARO_TEST_DATA) + "/statistics/" + name;
-}
-
-// Remembers what it was asked to draw; writes a stand-in file, or fails when told to.
-class RecordingExporter : public varo::charts::ChartExporter {
-public:
-    std::vector<varo::charts::ChartModel> charts;
-    std::vector<std::string> paths;
-    std::vector<varo::charts::PictureSize> sizes;
-    bool fail = false;
-
-    void save(const varo::charts::ChartModel& chart, const std::string& path,
-              varo::charts::PictureSize size) override {
-        if (fail) {
-            throw varo::core::Failure(varo::core::failure::PathAccessError,
-                                      "Cannot write the chart to '" + path + "'.");
-        }
-        charts.push_back(chart);
-        paths.push_back(path);
-        sizes.push_back(size);
-        std::ofstream(path) << "picture";
-    }
-};
-
-CliRun runWith(const TempDir& dir, std::vector<std::string> args,
-               varo::charts::ChartExporter* exporter) {
-    args.insert(args.begin(), {"--settings", dir.path("VARO.INI")});
-    std::ostringstream out;
-    std::ostringstream err;
-    CliRun run;
-    run.exitCode = varo::cli::runCli(args, out, err, exporter);
-    run.out = out.str();
-    run.err = err.str();
-    return run;
 }
 
 // The column of a statistic as the results file holds it, read independently of the reader.

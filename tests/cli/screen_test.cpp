@@ -95,3 +95,52 @@ TEST(CliScreen, OutputSavesTheReportAsText) {
     EXPECT_NE(failed.err.find(dir.path("missing/report.txt")), std::string::npos) << failed.err;
     EXPECT_FALSE(fileExists(dir.path("missing/report.txt")));
 }
+
+// --plot hands the scatter analysis's chart to the exporter; JSON keeps the points and the
+// missing count. Only the scatter draws, and its picture may not replace an input.
+TEST(CliScreen, ScatterPlotsItsChartAndOtherAnalysesRefusePlot) {
+    TempDir dir;
+    RecordingExporter exporter;
+    const std::string picture = dir.path("scatter.png");
+    const auto run =
+        runWith(dir,
+                {"--json", "screen", "scatter", Data + "predictand.dat", Data + "p1_mslp.dat",
+                 "--end", "31/12/1963", "--plot", picture, "--plot-size", "300x200"},
+                &exporter);
+    ASSERT_EQ(run.exitCode, 0) << run.err;
+    const auto document = nlohmann::json::parse(run.out);
+    EXPECT_EQ(document["missingCount"], 6);
+    EXPECT_EQ(document["points"].size(), 1089u);
+    ASSERT_EQ(exporter.charts.size(), 1u);
+    const auto& chart = exporter.charts[0];
+    EXPECT_EQ(chart.screen, varo::charts::ChartScreen::Scatter);
+    EXPECT_EQ(chart.title, "6 missing value(s): predictand.dat");
+    EXPECT_EQ(chart.series.at(0).x.size(), 1089u);
+    EXPECT_EQ(chart.series[0].x[0], document["points"][0][0].get<double>());
+    EXPECT_EQ(exporter.sizes[0], (varo::charts::PictureSize{300, 200}));
+    EXPECT_EQ(run.err, "Chart written: " + picture + "\n");
+
+    struct Case {
+        std::vector<std::string> args;
+        std::string message;
+    };
+    const std::string input = dir.write("input.png", "1\n2\n3\n");
+    const std::vector<Case> refused = {
+        {{"correlation", Data + "predictand.dat", Data + "p1_mslp.dat", "--plot", picture},
+         "Error Message: --plot: only the scatter analysis draws a chart; correlation makes a "
+         "report.\n"},
+        {{"scatter", input, Data + "p1_mslp.dat", "--plot", input},
+         "Error Message: The output file '" + input + "' is the same file as the input file '" +
+             input + "': writing it would destroy the input. Choose another output file.\n"},
+    };
+    for (const Case& test : refused) {
+        std::vector<std::string> args = {"screen"};
+        args.insert(args.end(), test.args.begin(), test.args.end());
+        const auto refusal = runWith(dir, args, &exporter);
+        EXPECT_EQ(refusal.exitCode, 2);
+        EXPECT_EQ(refusal.err, test.message);
+        EXPECT_TRUE(refusal.out.empty());
+    }
+    EXPECT_EQ(exporter.charts.size(), 1u);
+    EXPECT_EQ(readFile(input), "1\n2\n3\n");
+}

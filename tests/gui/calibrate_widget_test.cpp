@@ -1,6 +1,12 @@
 #include "gui_test_support.hpp"
 
 #include "gui/calibrate_widget.hpp"
+#include "gui/charts/chart_window.hpp"
+
+#include <QBarSeries>
+#include <QBarSet>
+#include <QChart>
+#include <QChartView>
 
 #include <QLabel>
 #include <QListWidget>
@@ -76,12 +82,44 @@ TEST_F(GuiFixture, CalibrateScreenFitsAModelAndShowsTheReport) {
         << saved;
 }
 
-TEST_F(GuiFixture, CalibrateResidualPlotChoiceIsShownDisabledUntilChartsCome) {
+// The histogram choice opens the histogram screen over the report with the bars asked for;
+// a later run without a plot closes it.
+TEST_F(GuiFixture, CalibrationWithTheHistogramChoiceOpensTheHistogramScreen) {
+    state.globalSDate = "01/01/1961";
+    state.globalEDate = "31/12/1966";
+    state.globalDays = 2191;
     window->goTo(screens::ScreenKey::Calibrate);
-    for (const char* name : {"GraphType0", "GraphType1", "GraphType2", "HistogramCatsText"}) {
-        auto* control = find<QWidget>(name);
-        EXPECT_FALSE(control->isEnabled()) << name;
-        EXPECT_TRUE(control->toolTip().contains("later version")) << name;
-    }
-    EXPECT_TRUE(find<QRadioButton>("GraphType0")->isChecked());
+    dialogs.pickedFiles = {Data + "/rain.dat", Data, dir.path("MODEL.PAR")};
+    click("PredictandButton");
+    click("Dir2");
+    find<QListWidget>("File2")->findItems("mslp.dat", Qt::MatchExactly).at(0)->setSelected(true);
+    click("PARFileButton");
+    click("GraphType2");
+    type("HistogramCatsText", "3");
+    EXPECT_EQ(dialogs.lastText(),
+              "Histogram catgeories cannot be less than 5 or greater than 100.");
+    EXPECT_EQ(text("HistogramCatsText"), "20");
+    type("HistogramCatsText", "12");
+    click("tb1Calibrate");
+
+    auto* screen = static_cast<gui::CalibrateWidget*>(window->currentScreen());
+    ASSERT_NE(screen->resultsDialog(), nullptr) << dialogs.lastText();
+    gui::ChartWindow* chart = screen->residualChart();
+    ASSERT_NE(chart, nullptr);
+    EXPECT_EQ(chart->objectName(), "HistogramFrm");
+    EXPECT_EQ(chart->windowTitle(), "VARO Residual Histogram");
+    auto* view = chart->findChild<QChartView*>("Chart");
+    ASSERT_NE(view, nullptr);
+    EXPECT_EQ(view->chart()->title(), "VARO Residual Histogram");
+    ASSERT_EQ(view->chart()->series().size(), 1);
+    auto* bars = qobject_cast<QBarSeries*>(view->chart()->series().at(0));
+    ASSERT_NE(bars, nullptr);
+    ASSERT_EQ(bars->barSets().size(), 1);
+    EXPECT_EQ(bars->barSets().at(0)->count(), 12);
+
+    click("GraphType0");
+    click("tb1Calibrate");
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_EQ(screen->residualChart(), nullptr);
+    EXPECT_EQ(window->findChild<gui::ChartWindow*>(), nullptr);
 }

@@ -1,6 +1,12 @@
 #include "gui_test_support.hpp"
 
+#include "gui/charts/chart_window.hpp"
 #include "gui/screen_vars_widget.hpp"
+
+#include <QChart>
+#include <QChartView>
+#include <QPointer>
+#include <QXYSeries>
 
 #include <QComboBox>
 #include <QLabel>
@@ -95,4 +101,42 @@ TEST_F(GuiFixture, ScreeningReportSavesAsText) {
     ASSERT_EQ(dialogs.messages.size(), shown + 1);
     EXPECT_EQ(dialogs.messages.back().title, "Error Message");
     EXPECT_FALSE(varo::testing::fileExists(dir.path("no-such-folder/report.txt")));
+}
+
+// The scatter key opens the scatter chart screen: the predictor across, the predictand up,
+// the missing days in the title (1961 to 1963: 6 of 1,095 days, counted apart in Python).
+// A run with no point opens it empty, in place of the chart before.
+TEST_F(GuiFixture, ScatterOpensTheScatterChartScreenEvenWithoutPoints) {
+    window->showHome();
+    window->goTo(screens::ScreenKey::Screen);
+    dialogs.pickedFiles = {Data + "predictand.dat", Data};
+    click("PredtandButton");
+    click("Dir2");
+    find<QTreeWidget>("File2")->topLevelItem(1)->setSelected(true); // p1_mslp.dat
+    type("FEdate", "31/12/1963");
+    click("tb1Scatter");
+    auto* screen = static_cast<gui::ScreenVarsWidget*>(window->currentScreen());
+    QPointer<gui::ChartWindow> chart = screen->scatterChart();
+    ASSERT_NE(chart, nullptr) << dialogs.lastText();
+    EXPECT_EQ(chart->objectName(), "ScatterChartFrm");
+    EXPECT_EQ(chart->windowTitle(), "6 missing value(s): predictand.dat");
+    const auto pointsDrawn = [](gui::ChartWindow* shown) {
+        auto* view = shown->findChild<QChartView*>("Chart");
+        const auto* points = qobject_cast<QXYSeries*>(view->chart()->series().at(0));
+        return points == nullptr ? -1 : points->count();
+    };
+    EXPECT_EQ(pointsDrawn(chart), 1089);
+    const auto axes = chart->findChild<QChartView*>("Chart")->chart()->axes();
+    ASSERT_EQ(axes.size(), 2);
+    EXPECT_EQ(axes[0]->titleText(), "p1_mslp.dat");
+    EXPECT_EQ(axes[1]->titleText(), "predictand.dat");
+
+    state.thresh = 1000.0f;
+    click("ParmOpt0"); // conditional: no day is an event
+    click("tb1Scatter");
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_TRUE(chart.isNull()) << "the chart before is closed";
+    ASSERT_NE(screen->scatterChart(), nullptr);
+    EXPECT_EQ(pointsDrawn(screen->scatterChart()), 0);
+    EXPECT_EQ(screen->scatterChart()->windowTitle(), "6 missing value(s): predictand.dat");
 }

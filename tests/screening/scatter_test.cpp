@@ -3,6 +3,7 @@
 #include "core/notices.hpp"
 #include "screening_fixture.hpp"
 #include "support/failure_checks.hpp"
+#include "support/recording_progress.hpp"
 
 #include <gtest/gtest.h>
 
@@ -59,4 +60,61 @@ TEST_F(ScatterFixture, AFileThatCannotBeOpenedStopsWithItsMessage) {
     asked.predictorPaths = {dir.path("absent.dat")};
     EXPECT_EQ(varo::testing::stopMessage([&] { scatterData(asked, state, progress); }),
               "Could not find selected file.  Please retry.");
+}
+
+// The previous day moves on over days of other months too, so the first day of a month is
+// paired with the last day of the month before, and a missing value there makes the pair
+// missing.
+TEST_F(ScatterFixture, AutoregressionInAMonthTakesItsFirstPredecessorFromTheMonthBefore) {
+    std::vector<double> y;
+    for (int day = 1; day <= 59; ++day) {
+        y.push_back(day);
+    }
+    y[30] = -999; // 31 January
+    auto asked = rainOnPressure(y, y);
+    asked.autoregression = true;
+    asked.period = 6; // February
+    const auto data = scatterData(asked, state, progress);
+    EXPECT_EQ(data.missingCount, 1);
+    ASSERT_EQ(data.points.size(), 27u);
+    EXPECT_EQ(data.points.front(), (ScatterPoint{32, 33}));
+    EXPECT_EQ(data.points.back(), (ScatterPoint{58, 59}));
+}
+
+TEST_F(ScatterFixture, TheSkipCaptionComesOnlyWhenTheFitStartsAfterTheRecord) {
+    const std::string y = dayNumbers("rain.dat", 40);
+    const std::string x = dayNumbers("mslp.dat", 40);
+    struct Case {
+        core::Date fitStart;
+        std::vector<std::string> captions;
+    };
+    for (const Case& test :
+         {Case{{1, 1, 1961}, {"Generating Scatter Plot"}},
+          Case{{10, 1, 1961}, {"Skipping Unnecessary Data", "Generating Scatter Plot"}}}) {
+        varo::testing::RecordingProgress recording;
+        const auto data = scatterData(request(y, {x}, 20, test.fitStart), state, recording);
+        EXPECT_EQ(recording.captions, test.captions);
+        EXPECT_EQ(data.points.front().y, test.fitStart.day);
+    }
+}
+
+TEST_F(ScatterFixture, ACancelStopsTheRun) {
+    varo::testing::RecordingProgress stopping(3);
+    const std::string y = dayNumbers("rain.dat", 40);
+    EXPECT_THROW(scatterData(request(y, {dayNumbers("mslp.dat", 40)}, 40), state, stopping),
+                 core::Cancelled);
+}
+
+// The chart takes at most MaxScatterPoints points; one more fails before anything is drawn.
+TEST_F(ScatterFixture, ThePointLimitIsReachedButNotPassed) {
+    const std::string y = file("rain.dat", std::vector<double>(MaxScatterPoints + 2, 1.0));
+    auto asked = request(y, {}, MaxScatterPoints + 1);
+    asked.autoregression = true; // the first day only gives the first predecessor
+    EXPECT_EQ(static_cast<long>(scatterData(asked, state, progress).points.size()),
+              MaxScatterPoints);
+    asked = request(y, {}, MaxScatterPoints + 2);
+    asked.autoregression = true;
+    EXPECT_TRUE(varo::testing::failsWith([&] { scatterData(asked, state, progress); },
+                                         core::failure::OverflowOccurred,
+                                         "More than 500000 points"));
 }

@@ -6,7 +6,9 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <fstream>
 #include <gtest/gtest.h>
+#include <numeric>
 
 using varo::screens::CalibrateScreen;
 using varo::screens::RunOutcome;
@@ -281,4 +283,72 @@ TEST_F(CalibrateFixture, AParameterFileThatIsTheDataIsRefusedBeforeAnythingIsRea
     }
     EXPECT_EQ(readFile(predictand), readFile(Data + "/rain.dat"));
     EXPECT_EQ(readFile(predictor), readFile(Data + "/mslp.dat"));
+}
+
+namespace {
+
+// Read apart from the program's readers: the days with a value in every file of `filled`,
+// and those of them whose predictand is above the threshold of 0.
+struct FittedDays {
+    size_t all = 0;
+    size_t wet = 0;
+};
+
+FittedDays fittedDays() {
+    std::ifstream rain(Data + "/rain.dat");
+    std::ifstream mslp(Data + "/mslp.dat");
+    std::ifstream shum(Data + "/shum.dat");
+    FittedDays days;
+    double r = 0, m = 0, s = 0;
+    while (rain >> r && mslp >> m && shum >> s) {
+        if (r != -999 && m != -999 && s != -999) {
+            ++days.all;
+            days.wet += static_cast<float>(r) > 0.0f ? 1 : 0;
+        }
+    }
+    return days;
+}
+
+} // namespace
+
+// After a run the plot is the one GraphType asks for: none, a point a fitted day, or the
+// histogram of HistogramCatsText bars (a half converted to the even count), which counts
+// every residual but the largest. A conditional model's residuals are its amounts', one a
+// wet day.
+TEST_F(CalibrateFixture, TheResidualPlotIsTheOneGraphTypeAsksFor) {
+    const FittedDays days = fittedDays();
+    CalibrateScreen screen = filled();
+    ASSERT_EQ(screen.calibrate(dialogs, progress), RunOutcome::Done);
+    EXPECT_FALSE(screen.residualPlot.has_value());
+
+    screen.graphType = CalibrateScreen::ScatterPlot;
+    ASSERT_EQ(screen.calibrate(dialogs, progress), RunOutcome::Done);
+    ASSERT_TRUE(screen.residualPlot.has_value());
+    EXPECT_EQ(screen.residualPlot->title, "Residual Plot");
+    EXPECT_EQ(screen.residualPlot->series.at(0).x.size(), days.all);
+
+    screen.parmOpt = CalibrateScreen::Conditional;
+    screen.graphType = CalibrateScreen::Histogram;
+    for (const auto& [text, count] : {std::pair{"7.5", 8u}, std::pair{"6.5", 6u}}) {
+        screen.histogramCatsText.text = text;
+        ASSERT_EQ(screen.calibrate(dialogs, progress), RunOutcome::Done);
+        ASSERT_TRUE(screen.residualPlot.has_value());
+        EXPECT_EQ(screen.residualPlot->series.at(0).y.size(), count) << text;
+    }
+    EXPECT_EQ(screen.residualPlot->title, "VARO Residual Histogram");
+    const std::vector<double>& bars = screen.residualPlot->series.at(0).y;
+    const auto& pairs = screen.results->residualPairs;
+    EXPECT_EQ(pairs.size(), days.wet);
+    double largest = -1e300;
+    for (const auto& pair : pairs) {
+        largest = std::max(largest, pair.residual);
+    }
+    const auto atLargest = std::count_if(
+        pairs.begin(), pairs.end(), [&](const auto& pair) { return pair.residual == largest; });
+    EXPECT_EQ(std::accumulate(bars.begin(), bars.end(), 0.0) + static_cast<double>(atLargest),
+              static_cast<double>(pairs.size()));
+
+    screen.histogramCatsText.text = "4";
+    EXPECT_EQ(screen.calibrate(dialogs, progress), RunOutcome::Refused);
+    EXPECT_FALSE(screen.residualPlot.has_value());
 }

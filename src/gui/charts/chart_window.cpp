@@ -141,4 +141,12 @@ ChartWindow* openChartScreen(core::ProgramState& state, screens::Dialogs& dialog
     return window;
 }
 
+void replaceChartScreen(QPointer<ChartWindow>& shown, core::ProgramState& state,
+                        screens::Dialogs& dialogs, charts::ChartModel model, QWidget* parent) {
+    if (shown != nullptr) {
+        shown->close();
+    }
+    shown = openChartScreen(state, dialogs, std::move(model), parent);
+}
+
 } // namespace varo::gui

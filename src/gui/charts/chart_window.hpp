@@ -62,4 +62,9 @@ private:
 ChartWindow* openChartScreen(core::ProgramState& state, screens::Dialogs& dialogs,
                              charts::ChartModel model, QWidget* parent);
 
+// Opens a chart screen in place of the one `shown` holds, which closes when still open: a
+// screen shows the chart of its last analysis only.
+void replaceChartScreen(QPointer<ChartWindow>& shown, core::ProgramState& state,
+                        screens::Dialogs& dialogs, charts::ChartModel model, QWidget* parent);
+
 } // namespace varo::gui
