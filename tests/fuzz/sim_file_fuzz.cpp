@@ -2,22 +2,22 @@
 // again unchanged.
 #include "core/failure.hpp"
 #include "fuzz_input.hpp"
-#include "weathergen/simulation_files.hpp"
+#include "series/simulation_files.hpp"
 
 #include <cstdlib>
 #include <optional>
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const varo::fuzz::InputFile input(data, size);
-    std::optional<varo::weathergen::SimulationDescription> description;
+    std::optional<varo::series::SimulationDescription> description;
     try {
-        description = varo::weathergen::readSimulationDescription(input.path());
+        description = varo::series::readSimulationDescription(input.path());
     } catch (const varo::core::Failure&) {
         return 0;
     }
     const std::string copy = varo::fuzz::scratchPath("copy.SIM");
-    varo::weathergen::writeSimulationDescription(copy, *description);
-    const auto again = varo::weathergen::readSimulationDescription(copy);
+    varo::series::writeSimulationDescription(copy, *description);
+    const auto again = varo::series::readSimulationDescription(copy);
     if (!(again == *description)) {
         std::abort();
     }
