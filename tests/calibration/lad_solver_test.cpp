@@ -1,7 +1,7 @@
 // The least-absolute-deviations simplex on problems that take its rarer paths: a
 // degenerate exact fit, tied costs and ratios, a day that can only flip to its other bound,
 // no predictor at all, a stop request between iterations and the predictor limit. The
-// optima come from tests/data/calibration/simplex/make_reference.py (scipy's linprog).
+// optima come from tests/data/calibration/regression/make_reference.py (scipy's linprog).
 #include "calibration/regression.hpp"
 
 #include "calibration_test_support.hpp"
@@ -19,7 +19,7 @@ using varo::testing::RecordingNotifier;
 
 namespace {
 
-const std::string SimplexData = std::string(VARO_TEST_DATA) + "/calibration/simplex/";
+const std::string SimplexData = std::string(VARO_TEST_DATA) + "/calibration/regression/";
 
 struct Fixture {
     explicit Fixture(long stopAt = 0) : progress(stopAt) {}
