@@ -6,8 +6,8 @@
 #include "core/progress.hpp"
 #include "core/random.hpp"
 #include "core/series_file.hpp"
-#include "statistics/period_reader.hpp"
-#include "weathergen/simulation_files.hpp"
+#include "series/period_reader.hpp"
+#include "series/simulation_files.hpp"
 
 #include <benchmark/benchmark.h>
 #include <cmath>
@@ -47,17 +47,16 @@ struct BenchFiles {
                 value =
                     u < 0.5f ? 0.0 : std::round(-8.0 * std::log(1.0 - random.next()) * 1000) / 1000;
             }
-            varo::weathergen::writeDayLine(file, values, Members);
+            varo::series::writeDayLine(file, values, Members);
         }
         file.close();
-        varo::weathergen::SimulationDescription description;
+        varo::series::SimulationDescription description;
         description.predictorCount = 0;
         description.fitStart = "01/01/1961";
         description.fitLength = Days;
         description.ensembleSize = Members;
         description.predictandName = "rain.dat";
-        varo::weathergen::writeSimulationDescription(varo::weathergen::simPathFor(out),
-                                                     description);
+        varo::series::writeSimulationDescription(varo::series::simPathFor(out), description);
     }
 };
 
@@ -68,11 +67,11 @@ const BenchFiles& files() {
 
 void ReadOutFile(benchmark::State& state) {
     const auto& f = files();
-    varo::statistics::DataSource source{f.out, Members, varo::core::RealCalendar, {1, 1, 1961}};
+    varo::series::DataSource source{f.out, Members, varo::core::RealCalendar, {1, 1, 1961}};
     varo::core::NullProgress progress;
     for (auto _ : state) {
         const auto period =
-            varo::statistics::readPeriod(source, {1, 1, 1961}, {31, 12, 1990}, progress);
+            varo::series::readPeriod(source, {1, 1, 1961}, {31, 12, 1990}, progress);
         benchmark::DoNotOptimize(period.values.data());
     }
     state.counters["values"] = static_cast<double>(Members) * Days;

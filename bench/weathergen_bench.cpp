@@ -7,10 +7,10 @@
 //   weathergen_bench --workload DIR YEARS  writes model.PAR and the 12 predictor files
 //                                          for YEARS years from 01/01/1961 into DIR
 //                                          (used by peers/weathergen_memory.sh)
-#include "calibration/parameter_file.hpp"
 #include "core/program_state.hpp"
 #include "core/series_file.hpp"
-#include "weathergen/simulation_files.hpp"
+#include "series/parameter_file.hpp"
+#include "series/simulation_files.hpp"
 #include "weathergen/synthesis_driver.hpp"
 
 #include <benchmark/benchmark.h>
@@ -32,14 +32,14 @@ constexpr long Days100Years = 36525;
 
 // A monthly conditional Box-Cox model on predictors p01.dat .. p12.dat, record from
 // 01/01/1961, with about four wet days in ten.
-calibration::ParameterFile model(long days) {
-    calibration::ParameterFile file;
+series::ParameterFile model(long days) {
+    series::ParameterFile file;
     file.recordStart = "01/01/1961";
     file.recordDays = days;
     file.fitStart = "01/01/1961";
     file.fitDays = 3650;
     file.conditional = true;
-    file.transformation = static_cast<float>(core::TransformBoxCox);
+    file.transformation = core::TransformBoxCox;
     file.predictandName = "rain.dat";
     file.predictandPath = "C:\\DATA\\rain.dat";
     for (int i = 1; i <= Predictors; ++i) {
@@ -74,7 +74,7 @@ void writeText(const std::string& path, const std::string& text) {
 
 void writeWorkload(const std::string& folder, long days) {
     std::filesystem::create_directories(folder);
-    calibration::writeParameterFile(folder + "/model.PAR", model(days));
+    series::writeParameterFile(folder + "/model.PAR", model(days));
     std::mt19937 engine(1961);
     std::normal_distribution<double> normal(0.0, 1.0);
     for (int i = 1; i <= Predictors; ++i) {
@@ -136,7 +136,7 @@ void BM_WriteConstantOutFile(benchmark::State& state) {
         std::string line;
         for (long day = 0; day < Days100Years; ++day) {
             line.clear();
-            weathergen::appendDayLine(line, values, Members);
+            series::appendDayLine(line, values, Members);
             out.write(line);
             out.endLine();
         }

@@ -26,9 +26,7 @@ public:
 
     CalibrationResults run() {
         checkParameterColumns();
-        const DayCube cube = core::readingByDates(
-            core::settingsDatesInUse(state_, request_.data.fitStart, request_.data.fitEnd),
-            [&] { return readDayCube(state_, request_.data, environment_.progress); });
+        const DayCube cube = readDayCube(state_, request_.data, environment_.progress);
         for (int group = 1; group <= cube.groups(); ++group) {
             if (cube.count(group) < MinimumGroupDays) {
                 throw core::RunStopped(InsufficientDataText);
@@ -100,7 +98,8 @@ private:
         const double third =
             request_.conditional ? score.propCorrect : durbinWatson(score.fit.residuals, missing_);
         for (int month : months) {
-            MonthParameters& row = results_.parameters.months[static_cast<size_t>(month - 1)];
+            series::MonthParameters& row =
+                results_.parameters.months[static_cast<size_t>(month - 1)];
             row.coefficients.assign(score.fit.beta.cells().data(),
                                     score.fit.beta.cells().data() + score.fit.beta.rows());
             row.standardError = score.standardError;
@@ -179,7 +178,7 @@ private:
             if (code_ == TransformInverseNormal) {
                 meanRatio_[m] = ratio;
             }
-            AmountParameters& amount = results_.parameters.amounts[m];
+            series::AmountParameters& amount = results_.parameters.amounts[m];
             amount.constant = score.fit.beta.getValue(0, 0);
             amount.meanRatio = meanRatio_[m];
             amount.coefficients.assign(score.fit.beta.cells().data() + 1,
@@ -192,7 +191,7 @@ private:
     }
 
     void fillHeader() {
-        ParameterFile& file = results_.parameters;
+        series::ParameterFile& file = results_.parameters;
         file.groups = groupCount(request_.data.modelType);
         file.yearIndicator = state_.yearIndicator;
         file.recordStart = state_.globalSDate;
@@ -202,7 +201,7 @@ private:
         file.fitStart = request_.fitStartText;
         file.fitDays = request_.data.fitDays;
         file.conditional = request_.conditional;
-        file.transformation = state_.modelTransformation;
+        file.transformation = static_cast<core::TransformationCode>(code_);
         file.autoregression = modelHasLag_;
         file.predictandName = request_.predictandName;
         file.predictorNames = fileList_;

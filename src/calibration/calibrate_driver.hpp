@@ -17,8 +17,8 @@
 #pragma once
 
 #include "calibration/day_cube.hpp"
-#include "calibration/parameter_file.hpp"
 #include "calibration/regression.hpp"
+#include "series/parameter_file.hpp"
 
 #include <optional>
 
@@ -72,7 +72,7 @@ struct StepwiseChoice {
 inline constexpr const char* AutoregressionName = "Autoregression";
 
 struct CalibrationResults {
-    ParameterFile parameters; // autoregression: whether the model holds the lag term
+    series::ParameterFile parameters; // autoregression: whether the model holds the lag term
     // Rows 0 to 11 the months of the main model, 12 to 23 those of the amount model.
     std::array<MonthStatistics, 24> statistics{};
     std::vector<ResidualPair> residualPairs; // of the amount fits in a conditional model

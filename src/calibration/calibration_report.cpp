@@ -113,7 +113,7 @@ CalibrationReport buildReport(const core::ProgramState& state, const Calibration
                               const ReportOptions& options) {
     const double missing = state.globalMissingCode;
     CalibrationReport report;
-    const ParameterFile& file = results.parameters;
+    const series::ParameterFile& file = results.parameters;
     report.headingLines.push_back("Predictand: " + file.predictandName);
     for (size_t i = 0; i < file.predictorNames.size(); ++i) {
         report.headingLines.push_back((i == 0 ? "Predictors: " : "            ") +
@@ -177,7 +177,7 @@ CalibrationReport buildReport(const core::ProgramState& state, const Calibration
 
 namespace {
 
-ModelType modelTypeOf(const ParameterFile& file) {
+ModelType modelTypeOf(const series::ParameterFile& file) {
     if (file.groups == 12) {
         return ModelType::Monthly;
     }
@@ -193,7 +193,7 @@ std::string joined(const std::vector<std::string>& names) {
 }
 
 // A table with one row a group, filled from the group's first month.
-core::ResultsTable groupTable(const core::ProgramState& state, const ParameterFile& file,
+core::ResultsTable groupTable(const core::ProgramState& state, const series::ParameterFile& file,
                               std::string title, std::vector<std::string> columns,
                               const std::function<std::vector<double>(size_t)>& monthValues) {
     const ModelType type = modelTypeOf(file);
@@ -214,7 +214,7 @@ core::ResultsTable groupTable(const core::ProgramState& state, const ParameterFi
 
 std::vector<core::ResultsTable> coefficientTables(const core::ProgramState& state,
                                                   const CalibrationResults& results) {
-    const ParameterFile& file = results.parameters;
+    const series::ParameterFile& file = results.parameters;
     std::vector<std::string> columns{"Constant"};
     columns.insert(columns.end(), file.predictorNames.begin(), file.predictorNames.end());
     std::vector<std::string> mainColumns = columns;
@@ -228,15 +228,14 @@ std::vector<core::ResultsTable> coefficientTables(const core::ProgramState& stat
     if (!file.conditional) {
         return tables;
     }
-    const bool inverseNormal =
-        file.transformation == static_cast<float>(core::TransformInverseNormal);
+    const bool inverseNormal = file.transformation == core::TransformInverseNormal;
     if (inverseNormal) {
         columns.emplace_back("Mean Ratio");
     } else if (file.boxCox()) {
         columns.insert(columns.end(), {"Lamda", "Shift"});
     }
     tables.push_back(groupTable(state, file, "Amount Model Coefficients", columns, [&](size_t m) {
-        const AmountParameters& amount = file.amounts[m];
+        const series::AmountParameters& amount = file.amounts[m];
         std::vector<double> values{amount.constant};
         values.insert(values.end(), amount.coefficients.begin(), amount.coefficients.end());
         if (inverseNormal) {

@@ -1,11 +1,12 @@
 #include "calibration/day_cube.hpp"
 
 #include "core/failure.hpp"
-#include "core/number_format.hpp"
 #include "core/numeric_text.hpp"
 #include "core/progress.hpp"
 #include "core/record_calendar.hpp"
-#include "core/series_file.hpp"
+#include "series/daily_files.hpp"
+
+#include <algorithm>
 
 namespace varo::calibration {
 
@@ -116,97 +117,35 @@ DayCube readDayCube(const core::ProgramState& state, const CalibrationData& data
     const int series = static_cast<int>(data.predictorPaths.size()) + 1;
     DayCube cube(data.modelType, series, data.fitDays);
     progress.report(0, 100, Reading);
-    std::vector<core::SeriesReader> files;
-    files.reserve(static_cast<size_t>(series));
-    files.emplace_back(data.predictandPath);
-    for (const std::string& path : data.predictorPaths) {
-        files.emplace_back(path);
-    }
-    std::vector<double> day(static_cast<size_t>(series));
-    const double missing = state.globalMissingCode;
-    // Reads one value from each file; false when any of them is missing.
-    const auto readDay = [&] {
-        bool full = true;
-        for (size_t s = 0; s < files.size(); ++s) {
-            day[s] = files[s].readNumber();
-            full = full && day[s] != missing;
-        }
-        return full;
-    };
-
-    const auto recordStart = core::parseDate(state.globalSDate);
-    if (!recordStart) {
-        throw core::Failure(core::failure::TypeMismatch,
-                            "The record start date '" + state.globalSDate + "' is not a date.");
-    }
-    core::RecordCalendar position(core::calendarInForce(state), *recordStart);
-    core::skipToFitStart(
-        position, *recordStart, data.fitStart, [&] { readDay(); }, progress);
+    series::DailyFiles files(
+        series::predictandAndPredictors(data.predictandPath, data.predictorPaths),
+        series::settingsPeriod(state, data.fitStart, data.fitEnd));
+    files.skipToStart(progress);
 
     long daysRead = 0;
-    const auto yield = [&] {
+    const auto beforeDay = [&] {
         progress.report(std::min(daysRead, data.fitDays), data.fitDays, Reading);
         progress.throwIfStopped();
-    };
-    // The first full day opens the first section of its group. The search goes on past the
-    // fit end; when the data end first, the person must hear which files held only missing
-    // values, not only which file ended.
-    std::vector<bool> seen(files.size(), false);
-    try {
-        for (;;) {
-            yield();
-            ++daysRead;
-            const bool full = readDay();
-            for (size_t s = 0; s < files.size(); ++s) {
-                seen[s] = seen[s] || day[s] != missing;
-            }
-            if (full) {
-                break;
-            }
-            position.stepDay();
-        }
-    } catch (const core::Failure& failure) {
-        if (failure.number() != core::failure::InputPastEnd) {
-            throw;
-        }
-        std::string empty;
-        int emptyFiles = 0;
-        for (size_t s = 0; s < files.size(); ++s) {
-            if (!seen[s]) {
-                empty += (empty.empty() ? "" : ", ") + std::string("'") + files[s].path() + "'";
-                ++emptyFiles;
-            }
-        }
-        const std::string start = core::formatDate(data.fitStart);
-        throw core::Failure(failure.number(),
-                            (empty.empty()
-                                 ? "No day from the fit start " + start +
-                                       " on has a value in every file: each day has the missing "
-                                       "value code " +
-                                       core::generalText(missing) + " in one file or another."
-                                 : "From the fit start " + start + " to the end of the data, " +
-                                       empty + (emptyFiles == 1 ? " holds" : " hold") +
-                                       " only the missing value code " +
-                                       core::generalText(missing) + ", so no day can be used.") +
-                                " " + failure.description());
-    }
-    int lastGroup = groupOfMonth(data.modelType, position.month());
-    cube.store(lastGroup, day, true);
-    position.stepDay();
-    bool dropped = false;
-    while (position.notPast(data.fitEnd)) {
-        yield();
         ++daysRead;
-        const bool full = readDay();
-        const int group = groupOfMonth(data.modelType, position.month());
-        if (!full) {
+    };
+    // The first full day opens the first section of its group; the search goes on past the
+    // fit end.
+    const double missing = state.globalMissingCode;
+    int lastGroup =
+        groupOfMonth(data.modelType, files.readFirstFullDay(missing, beforeDay).month());
+    cube.store(lastGroup, files.values(), true);
+    bool dropped = false;
+    while (files.inPeriod()) {
+        beforeDay();
+        const int group = groupOfMonth(data.modelType, files.position().month());
+        const std::vector<double>& day = files.readDay();
+        if (series::anyMissing(day, missing)) {
             dropped = true;
         } else {
             cube.store(group, day, dropped || group != lastGroup);
             lastGroup = group;
             dropped = false;
         }
-        position.stepDay();
     }
     return cube;
 }

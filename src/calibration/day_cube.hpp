@@ -76,10 +76,12 @@ private:
     std::array<std::vector<int>, 12> sections_;
 };
 
-// Reads the files of a calibration in one pass. Progress shows "Reading Data" (and
-// "Skipping Unnecessary Data" while the skip goes on) and a stop request throws
-// `core::Cancelled`. File problems are the failures of `core::SeriesReader`: 53 for a
-// missing file, 62 for a file that ends before the fit end, 13 for a token that is no number.
+// Reads the files of a calibration in one pass (`series::DailyFiles` over the record of the
+// settings). Progress shows "Reading Data" (and "Skipping Unnecessary Data" while the skip
+// goes on) and a stop request throws `core::Cancelled`. File problems are the failures of
+// `core::SeriesReader`: 53 for a missing file, 62 for a file that ends before the fit end
+// (naming the dates in use, or, when no day had a value in every file, why), 13 for a
+// token that is no number.
 DayCube readDayCube(const core::ProgramState& state, const CalibrationData& data,
                     core::Progress& progress);
 

@@ -4,12 +4,12 @@
 // model's predictors, summary statistics with deltas; then prints a short summary.
 #include "cli/commands.hpp"
 
-#include "calibration/parameter_file.hpp"
 #include "cli/cli.hpp"
 #include "core/failure.hpp"
 #include "core/number_format.hpp"
 #include "core/series_file.hpp"
 #include "sampledata/sample_data.hpp"
+#include "series/parameter_file.hpp"
 
 #include <algorithm>
 #include <filesystem>
@@ -123,7 +123,7 @@ double meanOf(const Json& months, const char* key) {
 }
 
 void printSkill(CliContext& context, const Json& precipitation, const Json& temperature,
-                const calibration::ParameterFile& temperatureModel) {
+                const series::ParameterFile& temperatureModel) {
     context.printLine("Skill of the models (calibration " +
                       precipitation["fitStart"].get<std::string>() + " to " +
                       precipitation["fitEnd"].get<std::string>() + ", mean of the months):");
@@ -319,8 +319,7 @@ int runChain(CliContext& context, const DemoOptions& options) {
         "Observed precipitation: " + std::to_string(rainQuality["values"].get<long>()) + " days, " +
         std::to_string(rainQuality["missing"].get<long>()) + " missing, mean " +
         fixed(rainQuality["mean"], 2) + " mm a day.");
-    printSkill(context, rainModel, tmaxModel,
-               calibration::readParameterFile(demo.path("tmax.PAR")));
+    printSkill(context, rainModel, tmaxModel, series::readParameterFile(demo.path("tmax.PAR")));
     printComparison(context, rainObserved, rainModelled, tmaxObserved, tmaxModelled, members);
     printProjection(context, rainChange, tmaxChange);
     context.printLine("");

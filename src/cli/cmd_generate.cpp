@@ -4,7 +4,7 @@
 #include "cli/commands.hpp"
 
 #include "screens/synthesize_screen.hpp"
-#include "weathergen/simulation_files.hpp"
+#include "series/simulation_files.hpp"
 
 #include <optional>
 
@@ -25,7 +25,7 @@ nlohmann::ordered_json jsonReport(const screens::SynthesizeScreen& screen,
                                   const std::vector<std::string>& warnings) {
     nlohmann::ordered_json document;
     document["out"] = screen.outFilePath;
-    document["sim"] = weathergen::simPathFor(screen.outFilePath);
+    document["sim"] = series::simPathFor(screen.outFilePath);
     document["start"] = screen.fStartText.text;
     document["days"] = std::stol(screen.fLengthText.text);
     document["ensemble"] = std::stoi(screen.eSize.text);
@@ -62,11 +62,11 @@ int runGenerate(CliContext& context, const GenerateOptions& options) {
         context.progress().finish();
         context.err << "Cancelled: '" << screen.outFilePath
                     << "' is incomplete: it holds only the days written before the cancel, and '"
-                    << weathergen::simPathFor(screen.outFilePath) << "' is empty.\n";
+                    << series::simPathFor(screen.outFilePath) << "' is empty.\n";
     }
     if (outcome == screens::RunOutcome::Done) {
         context.reportWritten("OUT file", screen.outFilePath);
-        context.reportWritten("SIM file", weathergen::simPathFor(screen.outFilePath));
+        context.reportWritten("SIM file", series::simPathFor(screen.outFilePath));
         if (context.options.json) {
             context.printJson(jsonReport(screen, context.dialogs().warnings()));
         }

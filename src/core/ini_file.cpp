@@ -40,27 +40,6 @@ struct IniText {
     std::optional<std::string> problem;
 };
 
-std::vector<std::string> splitLines(std::string_view text) {
-    std::vector<std::string> lines;
-    std::string line;
-    for (size_t i = 0; i < text.size(); ++i) {
-        const char c = text[i];
-        if (c == '\r' || c == '\n') {
-            lines.push_back(line);
-            line.clear();
-            if (c == '\r' && i + 1 < text.size() && text[i + 1] == '\n') {
-                ++i;
-            }
-        } else {
-            line += c;
-        }
-    }
-    if (!line.empty()) {
-        lines.push_back(line);
-    }
-    return lines;
-}
-
 // An absent file reads as no lines and no problem. A file larger than the bound is not
 // read at all: no settings file is that large, and nothing of it is held.
 IniText readIniText(const std::string& path) {

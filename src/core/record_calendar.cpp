@@ -97,9 +97,8 @@ void skipToFitStart(RecordCalendar& position, const Date& recordStart, const Dat
                     const std::function<void()>& discardDay, Progress& progress) {
     position.setPosition(recordStart);
     const long daysToSkip = dayDifference(recordStart, fitStart);
-    static constexpr const char* Caption = "Skipping Unnecessary Data";
     if (daysToSkip > 0) {
-        progress.report(0, 100, Caption);
+        progress.report(0, 100, SkippingCaption);
     }
     long daysRead = 0;
     while (position.before(fitStart)) {
@@ -107,7 +106,7 @@ void skipToFitStart(RecordCalendar& position, const Date& recordStart, const Dat
         discardDay();
         ++daysRead;
         position.stepDay();
-        progress.report(daysRead * 100 / daysToSkip, 100, Caption);
+        progress.report(daysRead * 100 / daysToSkip, 100, SkippingCaption);
     }
     position.setPosition(fitStart);
 }

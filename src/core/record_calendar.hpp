@@ -13,6 +13,7 @@
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <string_view>
 
 namespace varo::core {
 
@@ -89,6 +90,8 @@ private:
 
 // Real calendar days from start to end, both counted.
 long daysInclusive(const Date& start, const Date& end);
+
+inline constexpr std::string_view SkippingCaption = "Skipping Unnecessary Data";
 
 // Walks a record from its start date up to the fit start date, calling `discardDay` once
 // a day (it reads and drops one value from each open file), and then sets the position

@@ -129,6 +129,10 @@ std::optional<std::string> readFirstLine(const std::string& path, size_t maxLeng
 // its outputs so before it creates the first of them.
 void refuseFolder(const std::string& path);
 
+// The lines of a text, whatever their ends (CR LF, LF or CR), without them; a last line
+// without an end counts, and an empty text has no lines.
+std::vector<std::string> splitLines(std::string_view text);
+
 // The bare name of a path: what follows the last '/' (or '\').
 std::string bareFileName(std::string_view path);
 // The folder of a path, without a trailing separator; empty for a bare name.

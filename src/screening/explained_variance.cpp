@@ -108,8 +108,8 @@ VarianceCell varianceCell(long rows, long missing, double sumX, double sumX2, do
 
 ExplainedVariance explainVariance(const ScreeningRequest& request, const core::ProgramState& state,
                                   core::Progress& progress) {
-    ScreeningFiles files(request);
-    const size_t seriesCount = files.count();
+    series::DailyFiles files = screeningFiles(request, state);
+    const size_t seriesCount = files.fileCount();
     const double missingCode = state.globalMissingCode;
     ExplainedVariance result;
     result.predictandName = core::bareFileName(request.predictandPath);
@@ -117,23 +117,19 @@ ExplainedVariance explainVariance(const ScreeningRequest& request, const core::P
         result.names.push_back(core::bareFileName(path));
     }
 
-    core::RecordCalendar position(core::calendarInForce(state), request.fitStart);
-    files.skipToFitStart(position, state, request.fitStart, progress);
+    files.skipToStart(progress);
     const long days = core::daysInclusive(request.fitStart, request.fitEnd);
     result.rowsPerMonth =
         static_cast<long>(core::roundHalfEven(static_cast<double>(days) / 12)) + 200;
     MonthRows rows(seriesCount, result.rowsPerMonth);
     const std::vector<double> separator(seriesCount, missingCode);
-    std::vector<double> values;
     long day = 0;
-    while (position.notPast(request.fitEnd)) {
+    while (files.inPeriod()) {
         progress.report(day++, days, "Reading Data");
         progress.throwIfStopped();
-        const int month = position.month();
-        files.readDay(values);
-        rows.append(month, values);
-        position.stepDay();
-        if (position.month() != month) {
+        const int month = files.position().month();
+        rows.append(month, files.readDay());
+        if (files.position().month() != month) {
             rows.append(month, separator);
             result.separators += static_cast<long>(seriesCount);
         }

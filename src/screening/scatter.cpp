@@ -22,9 +22,9 @@ long progressDays(long days, int period) {
     return days;
 }
 
-ScreeningFiles openFiles(const ScreeningRequest& request) {
+series::DailyFiles openFiles(const ScreeningRequest& request, const core::ProgramState& state) {
     try {
-        return ScreeningFiles(request);
+        return screeningFiles(request, state);
     } catch (const core::Failure&) {
         throw core::RunStopped("Could not find selected file.  Please retry.");
     }
@@ -38,34 +38,31 @@ ScatterData scatterData(const ScreeningRequest& request, const core::ProgramStat
     if (request.autoregression || request.predictorPaths.size() > 1) {
         opened.predictorPaths.resize(request.autoregression ? 0 : 1);
     }
-    ScreeningFiles files = openFiles(opened);
+    series::DailyFiles files = openFiles(opened, state);
     ScatterData data;
     data.yTitle = core::bareFileName(request.predictandPath);
     data.xTitle = request.autoregression ? std::string(AutoregressionName)
                                          : core::bareFileName(opened.predictorPaths.at(0));
 
-    core::RecordCalendar position(core::calendarInForce(state), request.fitStart);
-    files.skipToFitStart(position, state, request.fitStart, progress);
+    files.skipToStart(progress);
     data.progressDays =
         progressDays(core::daysInclusive(request.fitStart, request.fitEnd), request.period);
 
     const double missingCode = state.globalMissingCode;
-    std::vector<double> values;
     double previous = missingCode;
     if (request.autoregression) {
-        files.readDay(values);
-        previous = values[0];
-        position.stepDay();
+        previous = files.readDay()[0];
     }
     long day = 0;
-    while (position.notPast(request.fitEnd)) {
+    while (files.inPeriod()) {
         progress.report(day, data.progressDays, "Generating Scatter Plot");
         progress.throwIfStopped();
-        files.readDay(values);
+        const int month = files.position().month();
+        const std::vector<double>& values = files.readDay();
         const double y = values[0];
         const double x = request.autoregression ? previous : values[1];
         previous = y;
-        if (core::monthPassesPeriod(position.month(), request.period)) {
+        if (core::monthPassesPeriod(month, request.period)) {
             ++day;
             if (x == missingCode || y == missingCode) {
                 ++data.missingCount;
@@ -80,7 +77,6 @@ ScatterData scatterData(const ScreeningRequest& request, const core::ProgramStat
                 data.points.push_back({x, y});
             }
         }
-        position.stepDay();
     }
     data.title = std::to_string(data.missingCount) + " missing value(s): " + data.yTitle;
     return data;

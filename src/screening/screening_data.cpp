@@ -7,15 +7,6 @@ namespace varo::screening {
 
 namespace {
 
-core::Date recordStart(const core::ProgramState& state) {
-    const auto start = core::parseDate(state.globalSDate);
-    if (!start) {
-        throw core::Failure(core::failure::TypeMismatch,
-                            "The record start date '" + state.globalSDate + "' is not a date.");
-    }
-    return *start;
-}
-
 void failTooManyRows() {
     throw core::Failure(core::failure::FileTooLarge, "The analysis period holds more than " +
                                                          std::to_string(MaxRows) +
@@ -24,8 +15,8 @@ void failTooManyRows() {
 
 } // namespace
 
-ScreeningFiles::ScreeningFiles(const ScreeningRequest& request)
-    : fitStart_(request.fitStart), fitEnd_(request.fitEnd) {
+series::DailyFiles screeningFiles(const ScreeningRequest& request,
+                                  const core::ProgramState& state) {
     const size_t series = request.predictorPaths.size() + (request.autoregression ? 2 : 1);
     if (series > static_cast<size_t>(MaxSeries)) {
         throw core::Failure(core::failure::FileTooLarge,
@@ -34,41 +25,15 @@ ScreeningFiles::ScreeningFiles(const ScreeningRequest& request)
                                 "autoregression), not " +
                                 std::to_string(series) + ".");
     }
-    readers_.reserve(request.predictorPaths.size() + 1);
-    readers_.emplace_back(request.predictandPath);
-    for (const std::string& path : request.predictorPaths) {
-        readers_.emplace_back(path);
-    }
-}
-
-void ScreeningFiles::readDay(std::vector<double>& values) {
-    values.resize(readers_.size());
-    core::readingByDates(dates_, [&] {
-        for (size_t i = 0; i < readers_.size(); ++i) {
-            values[i] = readers_[i].readNumber();
-        }
-    });
-}
-
-void ScreeningFiles::discardDay() {
-    core::readingByDates(dates_, [&] {
-        for (core::SeriesReader& reader : readers_) {
-            reader.readNumber();
-        }
-    });
-}
-
-void ScreeningFiles::skipToFitStart(core::RecordCalendar& position, const core::ProgramState& state,
-                                    const core::Date& fitStart, core::Progress& progress) {
-    dates_ = core::settingsDatesInUse(state, fitStart_, fitEnd_);
-    core::skipToFitStart(
-        position, recordStart(state), fitStart, [this] { discardDay(); }, progress);
+    return series::DailyFiles(
+        series::predictandAndPredictors(request.predictandPath, request.predictorPaths),
+        series::settingsPeriod(state, request.fitStart, request.fitEnd));
 }
 
 ScreeningData assembleScreeningData(const ScreeningRequest& request,
                                     const core::ProgramState& state, core::Progress& progress) {
-    ScreeningFiles files(request);
-    const size_t seriesCount = files.count();
+    series::DailyFiles files = screeningFiles(request, state);
+    const size_t seriesCount = files.fileCount();
     ScreeningData data;
     data.names.push_back(core::bareFileName(request.predictandPath));
     for (const std::string& path : request.predictorPaths) {
@@ -77,26 +42,23 @@ ScreeningData assembleScreeningData(const ScreeningRequest& request,
     data.series.resize(seriesCount);
     data.sums.assign(seriesCount, 0.0);
 
-    core::RecordCalendar position(core::calendarInForce(state), request.fitStart);
-    files.skipToFitStart(position, state, request.fitStart, progress);
+    files.skipToStart(progress);
 
     const double missingCode = state.globalMissingCode;
     const long days = core::daysInclusive(request.fitStart, request.fitEnd);
     long day = 0;
-    std::vector<double> values;
-    while (position.notPast(request.fitEnd)) {
+    while (files.inPeriod()) {
         progress.report(day++, days, "Calculating Correlation Statistics");
         progress.throwIfStopped();
-        if (!core::monthPassesPeriod(position.month(), request.period)) {
+        if (!core::monthPassesPeriod(files.position().month(), request.period)) {
             files.discardDay();
-            position.stepDay();
             continue;
         }
         if (data.total == MaxRows) {
             failTooManyRows();
         }
         ++data.total;
-        files.readDay(values);
+        const std::vector<double>& values = files.readDay();
         bool marked = false;
         for (size_t s = 0; s < seriesCount; ++s) {
             data.series[s].push_back(values[s]);
@@ -117,7 +79,6 @@ ScreeningData assembleScreeningData(const ScreeningRequest& request,
                 data.sums[s] += values[s];
             }
         }
-        position.stepDay();
     }
 
     if (request.autoregression) {

@@ -12,7 +12,7 @@
 #include "core/dates.hpp"
 #include "core/program_state.hpp"
 #include "core/progress.hpp"
-#include "core/series_file.hpp"
+#include "series/daily_files.hpp"
 
 #include <string>
 #include <vector>
@@ -35,28 +35,10 @@ struct ScreeningRequest {
     bool autoregression = false;
 };
 
-// The predictand (file 1) and the predictors, read one value from each file a day.
-class ScreeningFiles {
-public:
-    // Opens every file; throws `core::Failure` when one cannot be opened.
-    explicit ScreeningFiles(const ScreeningRequest& request);
-
-    size_t count() const { return readers_.size(); }
-    // One value from each file, in series order. A file that ends too early fails with 62
-    // and a description that names the dates in use.
-    void readDay(std::vector<double>& values);
-    void discardDay();
-    // Reads from the record's start (GlobalSDate) up to the fit start, under the caption
-    // "Skipping Unnecessary Data", and leaves the position on the fit start date.
-    void skipToFitStart(core::RecordCalendar& position, const core::ProgramState& state,
-                        const core::Date& fitStart, core::Progress& progress);
-
-private:
-    std::vector<core::SeriesReader> readers_;
-    core::Date fitStart_;
-    core::Date fitEnd_;
-    core::DatesInUse dates_;
-};
+// The predictand (file 1) and the predictors of a screening, walked together through the
+// record of the settings over the fit period. Fails with 9 past 21 series (the
+// autoregression counts) and with the failures of opening a file.
+series::DailyFiles screeningFiles(const ScreeningRequest& request, const core::ProgramState& state);
 
 struct ScreeningData {
     std::vector<std::string> names;          // the files' bare names, then "Autoregression"

@@ -30,10 +30,10 @@ bool isBlankText(const std::string& text) {
 }
 
 // The SIM file beside an OUT file, or in `problem` what kept it from being read.
-std::optional<weathergen::SimulationDescription> readDescription(const std::string& outPath,
-                                                                 std::string& problem) {
+std::optional<series::SimulationDescription> readDescription(const std::string& outPath,
+                                                             std::string& problem) {
     try {
-        return weathergen::readSimulationDescription(weathergen::simPathFor(outPath));
+        return series::readSimulationDescription(series::simPathFor(outPath));
     } catch (const core::Failure& failure) {
         problem = failure.description();
         return std::nullopt;
@@ -151,7 +151,7 @@ void AnalyseScreen::pickSaveFile(Dialogs& dialogs) {
     }
 }
 
-void AnalyseScreen::showDetails(const weathergen::SimulationDescription& description) {
+void AnalyseScreen::showDetails(const series::SimulationDescription& description) {
     fileNPredictors = std::to_string(description.predictorCount);
     fileSeasonCode = std::to_string(description.seasonCode);
     fileYearLength = std::to_string(description.yearIndicator);
@@ -213,7 +213,7 @@ bool AnalyseScreen::checkEndDate(Dialogs& dialogs) {
 }
 
 std::optional<std::string>
-AnalyseScreen::runRefusal(const std::optional<weathergen::SimulationDescription>& description,
+AnalyseScreen::runRefusal(const std::optional<series::SimulationDescription>& description,
                           const std::string& simProblem) const {
     const bool modelled = sourceButton == Source::Modelled;
     if (isBlankText(inputFileText)) {
@@ -272,8 +272,8 @@ AnalyseScreen::runRefusal(const std::optional<weathergen::SimulationDescription>
     return std::nullopt;
 }
 
-statistics::AnalysisRequest AnalyseScreen::buildRequest(
-    const std::optional<weathergen::SimulationDescription>& description) const {
+statistics::AnalysisRequest
+AnalyseScreen::buildRequest(const std::optional<series::SimulationDescription>& description) const {
     statistics::AnalysisRequest request;
     request.source.path = inputFileText;
     if (sourceButton == Source::Modelled && description) {
@@ -404,7 +404,7 @@ RunOutcome AnalyseScreen::run(Dialogs& dialogs, core::Progress& progress) {
     results.reset();
     resultsPath.clear();
     const bool modelled = sourceButton == Source::Modelled;
-    std::optional<weathergen::SimulationDescription> description;
+    std::optional<series::SimulationDescription> description;
     std::string simProblem;
     if (modelled && !isBlankText(inputFileText) && isOutFile(inputFileText)) {
         description = readDescription(inputFileText, simProblem);
@@ -423,7 +423,7 @@ RunOutcome AnalyseScreen::run(Dialogs& dialogs, core::Progress& progress) {
     }
     std::vector<std::string> inputs{inputFileText};
     if (description) {
-        inputs.push_back(weathergen::simPathFor(inputFileText));
+        inputs.push_back(series::simPathFor(inputFileText));
     }
     if (auto refusal = outputOverInput(state_, {saveFileText}, inputs)) {
         dialogs.error(*refusal);

@@ -10,9 +10,9 @@
 #include "screens/dialogs.hpp"
 #include "screens/screen_run.hpp"
 #include "screens/text_field.hpp"
+#include "series/simulation_files.hpp"
 #include "statistics/analysis_run.hpp"
 #include "statistics/results_file.hpp"
-#include "weathergen/simulation_files.hpp"
 
 #include <optional>
 #include <string>
@@ -86,12 +86,12 @@ public:
 
 private:
     std::optional<std::string>
-    runRefusal(const std::optional<weathergen::SimulationDescription>& description,
+    runRefusal(const std::optional<series::SimulationDescription>& description,
                const std::string& simProblem) const;
-    void showDetails(const weathergen::SimulationDescription& description);
+    void showDetails(const series::SimulationDescription& description);
     void showDays();
     statistics::AnalysisRequest
-    buildRequest(const std::optional<weathergen::SimulationDescription>& description) const;
+    buildRequest(const std::optional<series::SimulationDescription>& description) const;
     std::optional<std::string> periodBeforeData(const statistics::AnalysisRequest& request) const;
     statistics::ReportLabels buildLabels(const statistics::AnalysisRequest& request) const;
 

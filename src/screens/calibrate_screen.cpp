@@ -5,12 +5,12 @@
 #include "screens/folder_listing.hpp"
 
 #include "calibration/model_transforms.hpp"
-#include "calibration/parameter_file.hpp"
 #include "calibration/stepwise.hpp"
 #include "core/dates.hpp"
 #include "core/numeric_text.hpp"
 #include "core/record_calendar.hpp"
 #include "core/series_file.hpp"
+#include "series/parameter_file.hpp"
 
 #include <algorithm>
 #include <filesystem>
@@ -275,7 +275,7 @@ RunOutcome CalibrateScreen::calibrate(Dialogs& dialogs, core::Progress& progress
                 calibration::CalibrationResults found = calibration::calibrate(
                     state_, calibrationRequest, meanRatio, progress, notifier);
                 progress.report(100, 100, calibration::CalibratingCaption);
-                calibration::writeParameterFile(parFileText, found.parameters);
+                series::writeParameterFile(parFileText, found.parameters);
                 calibration::ReportOptions options;
                 options.conditional = calibrationRequest.conditional;
                 // After a stepwise search the model may have left the lag term out.

@@ -3,9 +3,9 @@
 #include "core/dates.hpp"
 #include "core/numeric_text.hpp"
 #include "core/series_file.hpp"
-#include "weathergen/simulation_files.hpp"
+#include "series/parameter_file.hpp"
+#include "series/simulation_files.hpp"
 #include "weathergen/synthesis_driver.hpp"
-#include "weathergen/synthesis_model.hpp"
 
 namespace varo::screens {
 
@@ -94,14 +94,14 @@ bool SynthesizeScreen::checkParameterFile(Dialogs& dialogs) {
     return true;
 }
 
-void SynthesizeScreen::showHeader(const weathergen::ParameterHeader& header, bool forRun) {
-    noOfPredText = std::to_string(header.predictorCount);
-    rStartText = header.recordStartText;
-    rLengthText = std::to_string(header.recordLength);
+void SynthesizeScreen::showHeader(const series::ParameterFile& header, bool forRun) {
+    noOfPredText = std::to_string(header.predictorCount());
+    rStartText = header.recordStart;
+    rLengthText = std::to_string(header.recordDays);
     processLabel = header.conditional ? "Conditional" : "Unconditional";
     // A file of the older form leaves the label as it was, until a run reads it as False.
-    if (header.hasAutoRegressionLine || forRun) {
-        autoRegressLabel = header.autoRegressive ? "True" : "False";
+    if (header.hasAutoregressionLine || forRun) {
+        autoRegressLabel = header.autoregression ? "True" : "False";
     }
     predictorList.clear();
     predictorList.push_back(header.predictandName);
@@ -117,11 +117,10 @@ RunOutcome SynthesizeScreen::viewDetails(Dialogs& dialogs) {
     return guardedRun(
         dialogs,
         [&] {
-            weathergen::ParameterFileReader reader(parFilePath);
-            const weathergen::ParameterHeader header = reader.readHeader();
+            const series::ParameterFile header = series::readParameterHeader(parFilePath);
             showHeader(header, false);
-            fStartText.reset(header.fitStartText);
-            fLengthText.reset(std::to_string(header.fitLength));
+            fStartText.reset(header.fitStart);
+            fLengthText.reset(std::to_string(header.fitDays));
             return RunOutcome::Done;
         },
         [&] { cleanup(); });
@@ -201,7 +200,7 @@ bool SynthesizeScreen::checkOutputFile(Dialogs& dialogs) {
     }
     // The description file takes the output's name with its last three characters
     // replaced by SIM; an output named so would be overwritten by it.
-    if (weathergen::simPathFor(outFilePath) == outFilePath) {
+    if (series::simPathFor(outFilePath) == outFilePath) {
         dialogs.error("The output file's name must not end in SIM: the description file "
                       "beside it takes that name.");
         return false;
@@ -227,7 +226,7 @@ RunOutcome SynthesizeScreen::synthesize(Dialogs& dialogs, core::Progress& progre
         [&] {
             weathergen::SynthesisRun run(
                 request, state_, progress,
-                [&](const weathergen::ParameterHeader& header) { showHeader(header, true); });
+                [&](const series::ParameterFile& header) { showHeader(header, true); });
             if (const auto refusal = outputOverInput(state_, run.outputPaths(), run.inputPaths())) {
                 dialogs.error(*refusal);
                 cleanup();

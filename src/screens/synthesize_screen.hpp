@@ -18,8 +18,8 @@
 #include <string_view>
 #include <vector>
 
-namespace varo::weathergen {
-struct ParameterHeader;
+namespace varo::series {
+struct ParameterFile;
 }
 
 namespace varo::screens {
@@ -79,7 +79,7 @@ private:
     bool checkFitStart(Dialogs& dialogs);
     bool checkFitLength(Dialogs& dialogs);
     bool checkOutputFile(Dialogs& dialogs);
-    void showHeader(const weathergen::ParameterHeader& header, bool forRun);
+    void showHeader(const series::ParameterFile& header, bool forRun);
     void cleanup();
 
     core::ProgramState& state_;

@@ -27,12 +27,12 @@ std::vector<int> membersToCompute(int memberCount, const EnsembleChoice& ensembl
 
 } // namespace
 
-PeriodResults analysePeriod(const DataSource& source, const core::Date& start,
+PeriodResults analysePeriod(const series::DataSource& source, const core::Date& start,
                             const core::Date& end, const EngineSettings& settings,
                             const EnsembleChoice& ensemble, core::Progress& progress) {
     progress.report(0, 100, caption::AnalysingScenario);
     const std::vector<int> members = membersToCompute(source.memberCount, ensemble);
-    PeriodValues data = readPeriod(source, start, end, progress);
+    series::PeriodValues data = series::readPeriod(source, start, end, progress);
     const RowLayout layout(data.days);
 
     // The lists of the members to compute stay for all the passes; every member of the file
@@ -49,7 +49,7 @@ PeriodResults analysePeriod(const DataSource& source, const core::Date& start,
             counts[row] = std::max(counts[row], blocksWithData(rows.kinds[row]));
         }
     }
-    data = PeriodValues{};
+    data = series::PeriodValues{};
 
     std::vector<ResultTable> tables(members.size(), filledTable(0.0));
     const std::vector<Pass> passes = passesFor(settings);

@@ -8,9 +8,9 @@
 
 #include "core/dates.hpp"
 #include "core/progress.hpp"
+#include "series/period_reader.hpp"
 #include "statistics/delta_statistics.hpp"
 #include "statistics/ensemble.hpp"
-#include "statistics/period_reader.hpp"
 #include "statistics/statistics_engine.hpp"
 
 #include <array>
@@ -19,7 +19,7 @@
 namespace varo::statistics {
 
 struct AnalysisRequest {
-    DataSource source;
+    series::DataSource source;
     EngineSettings settings;
     EnsembleChoice ensemble;
     core::Date start; // the analysis period, or the base period of a delta run
@@ -44,7 +44,7 @@ struct AnalysisResults {
 // the chosen member's table or the mean and standard deviation over all members. The
 // `Sum` of every row is divided by the largest block count over all members of the file,
 // the chosen one or not. Throws `core::Failure` for file errors and `core::Cancelled`.
-PeriodResults analysePeriod(const DataSource& source, const core::Date& start,
+PeriodResults analysePeriod(const series::DataSource& source, const core::Date& start,
                             const core::Date& end, const EngineSettings& settings,
                             const EnsembleChoice& ensemble, core::Progress& progress);
 

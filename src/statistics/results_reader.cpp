@@ -3,6 +3,7 @@
 #include "core/failure.hpp"
 #include "core/number_format.hpp"
 #include "core/numeric_text.hpp"
+#include "core/series_file.hpp"
 
 #include <fstream>
 #include <sstream>
@@ -21,25 +22,7 @@ std::vector<std::string> linesOf(const std::string& path) {
     }
     std::stringstream content;
     content << in.rdbuf();
-    const std::string text = content.str();
-    std::vector<std::string> lines;
-    std::string line;
-    for (size_t i = 0; i < text.size(); ++i) {
-        const char c = text[i];
-        if (c == '\r' || c == '\n') {
-            lines.push_back(line);
-            line.clear();
-            if (c == '\r' && i + 1 < text.size() && text[i + 1] == '\n') {
-                ++i;
-            }
-        } else {
-            line += c;
-        }
-    }
-    if (!line.empty()) {
-        lines.push_back(line);
-    }
-    return lines;
+    return core::splitLines(content.str());
 }
 
 std::vector<std::string> fieldsOf(std::string_view line) {

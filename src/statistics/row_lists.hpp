@@ -9,6 +9,7 @@
 // to equal a sentinel acts as that sentinel; nothing guards against it.
 #pragma once
 
+#include "series/period_reader.hpp"
 #include "statistics/statistic_columns.hpp"
 
 #include <array>
@@ -20,11 +21,7 @@ namespace varo::statistics {
 inline constexpr double BlockEnd = 32766.0;
 inline constexpr double RowEnd = 32767.0;
 
-// The position of one day of the period: its month and year by the record's calendar.
-struct PeriodDay {
-    std::int16_t month = 1;
-    std::int16_t year = 1900;
-};
+using series::PeriodDay;
 
 // The calendar row of a month's season: 13 Winter (December to February) to 16 Autumn.
 int seasonRow(int month);

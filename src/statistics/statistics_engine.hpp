@@ -50,8 +50,6 @@ EngineSettings engineSettingsFrom(const core::ProgramState& state);
 // Progress captions of the passes.
 namespace caption {
 inline constexpr std::string_view AnalysingScenario = "Analysing Scenario";
-inline constexpr std::string_view Skipping = "Skipping Unnecessary Data";
-inline constexpr std::string_view Reading = "Reading in Data";
 inline constexpr std::string_view Statistics = "Calculating Statistics - Please Wait";
 inline constexpr std::string_view Moments = "Calculating Moments - Please Wait";
 inline constexpr std::string_view NDayTotal = "Calculating N Day Total - Please Wait";

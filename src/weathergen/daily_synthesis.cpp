@@ -107,19 +107,19 @@ double ReferenceSample::amountForScore(double z) const {
     return sorted_[static_cast<size_t>(rank < last ? rank : last)];
 }
 
-DailySynthesis::DailySynthesis(const SynthesisModel& model, const SynthesisSettings& settings,
-                               int ensembleSize, core::UniformRandom& random,
-                               const ReferenceSample* sample)
+DailySynthesis::DailySynthesis(const series::ParameterFile& model,
+                               const SynthesisSettings& settings, int ensembleSize,
+                               core::UniformRandom& random, const ReferenceSample* sample)
     : model_(model), settings_(settings), ensembleSize_(ensembleSize), random_(random),
-      sample_(sample), predictorCount_(model.header.predictorCount),
-      autoRegressive_(model.header.autoRegressive), conditional_(model.header.conditional),
-      transformCode_(model.header.transformCode),
+      sample_(sample), predictorCount_(model.predictorCount()),
+      autoRegressive_(model.autoregression), conditional_(model.conditional),
+      transformCode_(model.transformation),
       draws_(static_cast<size_t>(std::max(settings.precN, 1) * MaxEnsembleSize)) {
     if (ensembleSize < 1 || ensembleSize > MaxEnsembleSize) {
         throw std::invalid_argument("ensemble size " + std::to_string(ensembleSize) +
                                     " outside 1 to 100");
     }
-    if (conditional_ && transformCode_ == TransformInverseNormal &&
+    if (conditional_ && transformCode_ == core::TransformInverseNormal &&
         (sample_ == nullptr || sample_->firstWet() == 0)) {
         throw std::invalid_argument("inverse normal amounts need a sample with a wet value");
     }
@@ -132,7 +132,7 @@ void DailySynthesis::overflowed(int member) {
 }
 
 void DailySynthesis::startLaggedValues(int month) {
-    lagged_.fill(model_.month(month).occurrence[0]);
+    lagged_.fill(model_.month(month).constant());
 }
 
 double DailySynthesis::noise(const float* draws, double standardError) const {
@@ -153,7 +153,7 @@ const float* DailySynthesis::drawNoiseFor(int members) {
     return draws_.data();
 }
 
-double DailySynthesis::boxCoxAmount(double y, const MonthRows& rows) const {
+double DailySynthesis::boxCoxAmount(double y, const series::MonthParameters& rows) const {
     const double missing = settings_.missingCode;
     double t = y + rows.shift;
     if (rows.lamda == 0.0) {
@@ -172,16 +172,16 @@ double DailySynthesis::boxCoxAmount(double y, const MonthRows& rows) const {
     return (t - rows.shift) * static_cast<double>(settings_.biasCorrection);
 }
 
-double DailySynthesis::amountFromTransformed(double y, const MonthRows& rows) const {
+double DailySynthesis::amountFromTransformed(double y, const series::MonthParameters& rows) const {
     const double b = settings_.biasCorrection;
     switch (transformCode_) {
-    case TransformFourthRoot:
+    case core::TransformFourthRoot:
         return b * std::pow(y, 4.0);
-    case TransformLog:
+    case core::TransformLog:
         return b * std::exp(y);
-    case TransformInverseNormal:
+    case core::TransformInverseNormal:
         return sample_->amountForScore(b * y);
-    case TransformBoxCox:
+    case core::TransformBoxCox:
         return boxCoxAmount(y, rows);
     default:
         return b * y;
@@ -198,19 +198,16 @@ void DailySynthesis::synthesizeDay(int month, const double* predictors, double* 
             return;
         }
     }
-    const MonthRows& rows = model_.month(month);
-    const std::vector<double>& occurrence = rows.occurrence;
-    const int c = model_.header.occurrenceColumns();
+    const series::MonthParameters& rows = model_.month(month);
 
     // The regression part is the same for every member; adding the lag term and the noise
     // to it member by member keeps the order of the additions.
-    double regression = occurrence[0];
+    double regression = rows.constant();
     for (int i = 0; i < predictorCount_; ++i) {
-        regression += occurrence[static_cast<size_t>(i + 1)] * predictors[i];
+        regression += rows.predictorCoefficient(static_cast<size_t>(i)) * predictors[i];
     }
-    const double lagCoefficient =
-        autoRegressive_ ? occurrence[static_cast<size_t>(predictorCount_ + 1)] : 0.0;
-    const double standardError = occurrence[static_cast<size_t>(c - 2)];
+    const double lagCoefficient = autoRegressive_ ? rows.lagCoefficient() : 0.0;
+    const double standardError = rows.standardError;
     const int precN = std::max(settings_.precN, 0);
     const float* draws = drawNoiseFor(ensembleSize_);
     for (int m = 0; m < ensembleSize_; ++m) {
@@ -251,13 +248,13 @@ void DailySynthesis::synthesizeDay(int month, const double* predictors, double* 
             lagged_[static_cast<size_t>(m)] = memberValues[m];
         }
 
-        const std::vector<double>& amount = rows.amount;
-        double amountRegression = amount[0];
+        const series::AmountParameters& amount = model_.amount(month);
+        double amountRegression = amount.constant;
         for (int i = 0; i < predictorCount_; ++i) {
-            amountRegression += amount[static_cast<size_t>(i + 2)] * predictors[i];
+            amountRegression += amount.coefficients[static_cast<size_t>(i)] * predictors[i];
         }
-        const double scale = amount[1];
-        const double amountError = amount[static_cast<size_t>(predictorCount_ + 2)];
+        const double scale = amount.meanRatio;
+        const double amountError = amount.standardError;
         const double floor = static_cast<double>(settings_.thresh) + 0.001;
         const float* amountDraws = drawNoiseFor(wetCount);
         for (int m = 0; m < ensembleSize_; ++m) {

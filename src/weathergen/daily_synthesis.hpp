@@ -15,12 +15,15 @@
 
 #include "core/program_state.hpp"
 #include "core/random.hpp"
-#include "weathergen/synthesis_model.hpp"
+#include "series/parameter_file.hpp"
 
 #include <array>
 #include <vector>
 
 namespace varo::weathergen {
+
+// The largest ensemble a run makes.
+inline constexpr int MaxEnsembleSize = 100;
 
 // The settings a synthesis reads.
 struct SynthesisSettings {
@@ -79,8 +82,9 @@ class DailySynthesis {
 public:
     // `sample` is needed for the inverse normal transformation only; the model, sample and
     // random stream must outlive this object. The ensemble size is 1 to 100.
-    DailySynthesis(const SynthesisModel& model, const SynthesisSettings& settings, int ensembleSize,
-                   core::UniformRandom& random, const ReferenceSample* sample = nullptr);
+    DailySynthesis(const series::ParameterFile& model, const SynthesisSettings& settings,
+                   int ensembleSize, core::UniformRandom& random,
+                   const ReferenceSample* sample = nullptr);
 
     // Every member's lagged value becomes the intercept of the month's occurrence row.
     void startLaggedValues(int month);
@@ -100,10 +104,10 @@ private:
     // Draws the uniform numbers of the noise of `members` members, PrecN each, in order.
     const float* drawNoiseFor(int members);
     [[noreturn]] static void overflowed(int member);
-    double amountFromTransformed(double y, const MonthRows& rows) const;
-    double boxCoxAmount(double y, const MonthRows& rows) const;
+    double amountFromTransformed(double y, const series::MonthParameters& rows) const;
+    double boxCoxAmount(double y, const series::MonthParameters& rows) const;
 
-    const SynthesisModel& model_;
+    const series::ParameterFile& model_;
     SynthesisSettings settings_;
     int ensembleSize_;
     core::UniformRandom& random_;
@@ -111,7 +115,7 @@ private:
     int predictorCount_;
     bool autoRegressive_;
     bool conditional_;
-    int transformCode_;
+    core::TransformationCode transformCode_;
     std::array<double, MaxEnsembleSize> lagged_{};
     std::vector<float> draws_; // room for the uniform numbers of one stage
 };

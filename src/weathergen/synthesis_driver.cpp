@@ -6,8 +6,8 @@
 #include "core/random.hpp"
 #include "core/record_calendar.hpp"
 #include "core/series_file.hpp"
+#include "series/simulation_files.hpp"
 #include "weathergen/daily_synthesis.hpp"
-#include "weathergen/simulation_files.hpp"
 
 #include <algorithm>
 #include <optional>
@@ -16,8 +16,6 @@
 namespace varo::weathergen {
 
 namespace {
-
-constexpr std::string_view SkipCaption = "Skipping Unnecessary Data";
 
 std::string positionText(const core::RecordCalendar& position) {
     return core::formatDate({position.day(), position.month(), position.year()});
@@ -30,25 +28,25 @@ std::string predictorPath(const std::string& folder, const std::string& name) {
 // Opens predictor i of the model. A file that cannot be opened is named with the advice to
 // check the predictor folder (names from a file are shown escaped and cut), followed by
 // where the parameter file names it.
-core::SeriesReader openPredictor(const std::string& path, const SynthesisModel& model,
+core::SeriesReader openPredictor(const std::string& path, const series::ParameterFile& model,
                                  const std::string& parameterPath, size_t i) {
     try {
         return core::SeriesReader(path);
     } catch (const core::Failure& failure) {
-        const std::string& name = model.header.predictorNames[i];
+        const std::string& name = model.predictorNames[i];
         if (name.empty()) {
             throw;
         }
-        throw core::Failure(
-            failure.number(),
-            core::escapedInput(name, 200) + std::string(PredictorAdvice) +
-                "\r\nThe parameter file '" + parameterPath + "' names it on line " +
-                std::to_string(model.header.firstPredictorLine + static_cast<long>(i)) + ".");
+        throw core::Failure(failure.number(),
+                            core::escapedInput(name, 200) + std::string(PredictorAdvice) +
+                                "\r\nThe parameter file '" + parameterPath + "' names it on line " +
+                                std::to_string(model.firstPredictorLine() + static_cast<long>(i)) +
+                                ".");
     }
 }
 
 std::vector<core::SeriesReader> openPredictors(const std::vector<std::string>& paths,
-                                               const SynthesisModel& model,
+                                               const series::ParameterFile& model,
                                                const std::string& parameterPath) {
     std::vector<core::SeriesReader> files;
     files.reserve(paths.size());
@@ -64,7 +62,7 @@ void skipToStart(std::vector<core::SeriesReader>& files, const core::Date& recor
                  const core::Date& start, core::Progress& progress) {
     const long days = core::dayDifference(recordStart, start);
     for (long day = 1; day <= days; ++day) {
-        progress.report(day * 100 / days, 100, SkipCaption);
+        progress.report(day * 100 / days, 100, core::SkippingCaption);
         progress.throwIfStopped();
         for (core::SeriesReader& file : files) {
             file.readNumber();
@@ -72,33 +70,33 @@ void skipToStart(std::vector<core::SeriesReader>& files, const core::Date& recor
     }
 }
 
-SimulationDescription describeRun(const SynthesisRequest& request, const ParameterHeader& header,
-                                  const core::ProgramState& state) {
-    SimulationDescription d;
-    d.predictorCount = static_cast<std::int16_t>(header.predictorCount);
-    d.seasonCode = static_cast<std::int16_t>(header.seasonCode);
+series::SimulationDescription describeRun(const SynthesisRequest& request,
+                                          const series::ParameterFile& model,
+                                          const core::ProgramState& state) {
+    series::SimulationDescription d;
+    d.predictorCount = static_cast<std::int16_t>(model.predictorCount());
+    d.seasonCode = static_cast<std::int16_t>(model.groups);
     d.yearIndicator = state.yearIndicator;
     d.fitStart = core::formatDate(request.start);
     d.fitLength = static_cast<std::int32_t>(request.days);
-    d.conditional = header.conditional;
+    d.conditional = model.conditional;
     d.ensembleSize = static_cast<std::int16_t>(request.ensembleSize);
     d.precN = state.precN;
-    d.transformCode = static_cast<std::int16_t>(header.transformCode);
+    d.transformCode = static_cast<std::int16_t>(model.transformation);
     d.biasCorrection = state.biasCorrection;
-    d.predictandName = header.predictandName;
-    d.predictorNames = header.predictorNames;
+    d.predictandName = model.predictandName;
+    d.predictorNames = model.predictorNames;
     return d;
 }
 
-std::optional<ReferenceSample> loadReferenceSample(const SynthesisModel& model,
+std::optional<ReferenceSample> loadReferenceSample(const series::ParameterFile& model,
                                                    const std::string& parameterPath,
                                                    const core::ProgramState& state) {
-    if (model.header.transformCode != TransformInverseNormal) {
+    if (model.transformation != core::TransformInverseNormal) {
         return std::nullopt;
     }
-    ReferenceSample sample(readReferenceValues(model.predictandPath, model.header, state),
-                           state.thresh);
-    if (model.header.conditional && sample.firstWet() == 0) {
+    ReferenceSample sample(readReferenceValues(model.predictandPath, model, state), state.thresh);
+    if (model.conditional && sample.firstWet() == 0) {
         throw core::Failure(core::failure::TypeMismatch,
                             "The calibration period of '" + model.predictandPath + "' named in '" +
                                 parameterPath +
@@ -111,18 +109,18 @@ std::optional<ReferenceSample> loadReferenceSample(const SynthesisModel& model,
 } // namespace
 
 std::vector<double> readReferenceValues(const std::string& predictandPath,
-                                        const ParameterHeader& header,
+                                        const series::ParameterFile& model,
                                         const core::ProgramState& state) {
-    if (header.fitLength > ReferenceSample::Capacity) {
+    if (model.fitDays > ReferenceSample::Capacity) {
         throw core::Failure(core::failure::FileTooLarge,
-                            "The calibration period of " + std::to_string(header.fitLength) +
+                            "The calibration period of " + std::to_string(model.fitDays) +
                                 " days is longer than the " +
                                 std::to_string(ReferenceSample::Capacity) +
                                 " days an inverse normal reference sample holds.");
     }
     core::SeriesReader file(predictandPath);
-    core::RecordCalendar position(core::calendarInForce(state), header.recordStart);
-    const core::Date& fitStart = header.fitStart;
+    core::RecordCalendar position(core::calendarInForce(state), model.recordStartDate());
+    const core::Date fitStart = model.fitStartDate();
     const auto target = std::make_tuple(fitStart.year, fitStart.month, fitStart.day);
     position.lowerDay();
     for (;;) {
@@ -136,7 +134,7 @@ std::vector<double> readReferenceValues(const std::string& predictandPath,
         }
         if (at > target) {
             throw core::Failure(core::failure::TypeMismatch,
-                                "The calibration fit start " + header.fitStartText +
+                                "The calibration fit start " + model.fitStart +
                                     " is not a day of the record calendar in force, so the "
                                     "calibration period of '" +
                                     predictandPath + "' cannot be found.");
@@ -144,8 +142,8 @@ std::vector<double> readReferenceValues(const std::string& predictandPath,
         file.readNumber();
     }
     std::vector<double> values;
-    values.reserve(static_cast<size_t>(header.fitLength));
-    for (long i = 0; i < header.fitLength; ++i) {
+    values.reserve(static_cast<size_t>(model.fitDays));
+    for (long i = 0; i < model.fitDays; ++i) {
         values.push_back(file.readNumber());
     }
     return values;
@@ -156,11 +154,11 @@ SynthesisRun::SynthesisRun(const SynthesisRequest& request, const core::ProgramS
     : request_(request), state_(state) {
     progress.report(0, 100, SynthesisCaption);
     random_.seedForRun(state.randomSeed);
-    model_ = readSynthesisModel(request.parameterPath);
+    model_ = series::readParameterFile(request.parameterPath);
     if (headerRead) {
-        headerRead(model_.header);
+        headerRead(model_);
     }
-    for (const std::string& name : model_.header.predictorNames) {
+    for (const std::string& name : model_.predictorNames) {
         predictorPaths_.push_back(predictorPath(request.predictorFolder, name));
     }
     checkPredictorLengths(progress);
@@ -174,7 +172,7 @@ SynthesisRun::SynthesisRun(const SynthesisRequest& request, const core::ProgramS
 // start to the last simulated day.
 void SynthesisRun::checkPredictorLengths(core::Progress& progress) const {
     const long skipped =
-        std::max(0L, core::dayDifference(model_.header.recordStart, request_.start));
+        std::max(0L, core::dayDifference(model_.recordStartDate(), request_.start));
     const long needed = skipped + request_.days;
     for (size_t i = 0; i < predictorPaths_.size(); ++i) {
         core::SeriesReader file =
@@ -191,7 +189,7 @@ void SynthesisRun::checkPredictorLengths(core::Progress& progress) const {
 }
 
 core::DatesInUse SynthesisRun::datesInUse() const {
-    return {model_.header.recordStartText,
+    return {model_.recordStart,
             {},
             core::formatDate(request_.start),
             {},
@@ -202,20 +200,20 @@ core::DatesInUse SynthesisRun::datesInUse() const {
 std::vector<std::string> SynthesisRun::inputPaths() const {
     std::vector<std::string> paths{request_.parameterPath};
     paths.insert(paths.end(), predictorPaths_.begin(), predictorPaths_.end());
-    if (!model_.predictandPath.empty()) {
+    if (sample_) {
         paths.push_back(model_.predictandPath);
     }
     return paths;
 }
 
 std::vector<std::string> SynthesisRun::outputPaths() const {
-    return {request_.outPath, simPathFor(request_.outPath)};
+    return {request_.outPath, series::simPathFor(request_.outPath)};
 }
 
 void SynthesisRun::writeOutputs(core::Progress& progress) {
     std::vector<core::SeriesReader> predictors =
         openPredictors(predictorPaths_, model_, request_.parameterPath);
-    core::TextFileWriter sim(simPathFor(request_.outPath));
+    core::TextFileWriter sim(series::simPathFor(request_.outPath));
     core::TextFileWriter out(request_.outPath);
 
     const SynthesisSettings settings = SynthesisSettings::fromState(state_);
@@ -223,7 +221,7 @@ void SynthesisRun::writeOutputs(core::Progress& progress) {
                              sample_ ? &*sample_ : nullptr);
     const core::DatesInUse dates = datesInUse();
     core::readingByDates(dates, [&] {
-        skipToStart(predictors, model_.header.recordStart, request_.start, progress);
+        skipToStart(predictors, model_.recordStartDate(), request_.start, progress);
     });
 
     core::RecordCalendar position(core::calendarInForce(state_), request_.start);
@@ -253,13 +251,13 @@ void SynthesisRun::writeOutputs(core::Progress& progress) {
                                                       "): " + failure.description());
         }
         line.clear();
-        appendDayLine(line, members.data(), request_.ensembleSize);
+        series::appendDayLine(line, members.data(), request_.ensembleSize);
         out.write(line);
         out.endLine();
     }
     predictors.clear();
     out.close();
-    writeSimulationDescription(sim, describeRun(request_, model_.header, state_));
+    series::writeSimulationDescription(sim, describeRun(request_, model_, state_));
     sim.close();
 }
 

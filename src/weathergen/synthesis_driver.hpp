@@ -27,8 +27,8 @@
 #include "core/program_state.hpp"
 #include "core/progress.hpp"
 #include "core/random.hpp"
+#include "series/parameter_file.hpp"
 #include "weathergen/daily_synthesis.hpp"
-#include "weathergen/synthesis_model.hpp"
 
 #include <functional>
 #include <optional>
@@ -51,7 +51,7 @@ struct SynthesisRequest {
 };
 
 // Called once the header has been read, so that a screen can show what the run uses.
-using HeaderRead = std::function<void(const ParameterHeader&)>;
+using HeaderRead = std::function<void(const series::ParameterFile&)>;
 
 // A run in two steps: everything read and checked, then the files written. Between the two
 // a screen can refuse the run, for example when an output is one of the inputs.
@@ -79,7 +79,7 @@ private:
     SynthesisRequest request_;
     const core::ProgramState& state_;
     core::UniformRandom random_;
-    SynthesisModel model_;
+    series::ParameterFile model_;
     std::optional<ReferenceSample> sample_;
     std::vector<std::string> predictorPaths_;
 };
@@ -93,7 +93,7 @@ void synthesize(const SynthesisRequest& request, const core::ProgramState& state
 // period is longer than a reference sample holds, with 13 when the walk passes the fit
 // start without meeting it.
 std::vector<double> readReferenceValues(const std::string& predictandPath,
-                                        const ParameterHeader& header,
+                                        const series::ParameterFile& model,
                                         const core::ProgramState& state);
 
 } // namespace varo::weathergen

@@ -48,13 +48,13 @@ void expectCoefficients(const std::vector<double>& ours, const std::vector<doubl
 }
 
 // The golden file's last line names the data folder as "DATA".
-void expectGolden(const ParameterFile& file, const std::string& golden) {
+void expectGolden(const varo::series::ParameterFile& file, const std::string& golden) {
     std::string expected = varo::testing::readFile(data(golden));
     const size_t at = expected.rfind("DATA/");
     if (at != std::string::npos) {
         expected.replace(at, 4, DriverData);
     }
-    const std::string produced = parameterFileText(file);
+    const std::string produced = varo::series::parameterFileText(file);
     if (produced != expected) {
         std::ofstream(std::string(VARO_BINARY_DIR) + "/" + golden, std::ios::binary) << produced;
     }

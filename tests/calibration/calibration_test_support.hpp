@@ -9,8 +9,10 @@
 #include "core/notices.hpp"
 #include "core/progress.hpp"
 #include "core/series_file.hpp"
+#include "support/reference_lines.hpp"
 
 #include <array>
+#include <cmath>
 #include <fstream>
 #include <map>
 #include <sstream>
@@ -98,23 +100,26 @@ inline Design readDesign(const std::string& path, int rows, int predictors) {
     return design;
 }
 
-// Lines "key n1 n2 ..." of a reference file written by a script beside it: the numbers of
-// each line, in file order, under the line's first word.
-inline std::map<std::string, std::vector<std::vector<double>>>
-referenceLines(const std::string& path) {
-    std::ifstream in(path);
-    std::map<std::string, std::vector<std::vector<double>>> all;
-    std::string line;
-    while (std::getline(in, line)) {
-        std::istringstream words(line);
-        std::string key;
-        words >> key;
-        std::vector<double>& numbers = all[key].emplace_back();
-        for (double value = 0; words >> value;) {
-            numbers.push_back(value);
-        }
+// Sum of absolute deviations of the centred problem for the given slopes.
+inline double centredObjective(const calibration::MatrixObject& x,
+                               const calibration::MatrixObject& y,
+                               const calibration::MatrixObject& beta) {
+    const int n = y.rows();
+    const int k = x.columns() - 1;
+    std::vector<double> xbar(static_cast<size_t>(k) + 1, 0.0);
+    for (int j = 1; j <= k; ++j) {
+        xbar[j] = x.columnSum(j) / n;
     }
-    return all;
+    const double ybar = y.columnSum(0) / n;
+    double total = 0.0;
+    for (int r = 0; r < n; ++r) {
+        double fit = 0.0;
+        for (int j = 1; j <= k; ++j) {
+            fit += beta.getValue(j, 0) * (x.getValue(r, j) - xbar[j]);
+        }
+        total += std::fabs(y.getValue(r, 0) - ybar - fit);
+    }
+    return total;
 }
 
 // tests/data/calibration/driver: rain.dat, mslp.dat and shum.dat hold 1961 to 1966.

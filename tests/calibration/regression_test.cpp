@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 using namespace varo::calibration;
+using varo::testing::centredObjective;
 using varo::testing::column;
 using varo::testing::CountingProgress;
 using varo::testing::readDesign;
@@ -40,26 +41,6 @@ std::vector<Reference> loadReference() {
                        lines.at("ols").at(i), lines.at("lad_objective").at(i).at(0)});
     }
     return all;
-}
-
-// Sum of absolute deviations of the centred problem for the given slopes.
-double centredObjective(const MatrixObject& x, const MatrixObject& y, const MatrixObject& beta) {
-    const int n = y.rows();
-    const int k = x.columns() - 1;
-    std::vector<double> xbar(static_cast<size_t>(k) + 1, 0.0);
-    for (int j = 1; j <= k; ++j) {
-        xbar[j] = x.columnSum(j) / n;
-    }
-    const double ybar = y.columnSum(0) / n;
-    double total = 0.0;
-    for (int r = 0; r < n; ++r) {
-        double fit = 0.0;
-        for (int j = 1; j <= k; ++j) {
-            fit += beta.getValue(j, 0) * (x.getValue(r, j) - xbar[j]);
-        }
-        total += std::fabs(y.getValue(r, 0) - ybar - fit);
-    }
-    return total;
 }
 
 struct Fixture {

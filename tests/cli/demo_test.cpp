@@ -1,8 +1,8 @@
 #include "cli_test_support.hpp"
 
-#include "calibration/parameter_file.hpp"
 #include "sampledata/sample_data.hpp"
-#include "weathergen/simulation_files.hpp"
+#include "series/parameter_file.hpp"
+#include "series/simulation_files.hpp"
 
 #include <filesystem>
 #include <gtest/gtest.h>
@@ -65,11 +65,11 @@ TEST(CliDemo, ShortChainWritesEveryStepsFilesAndRecoversTheKnownRelation) {
               std::count(screening.begin(), screening.end(), '\r'));
 
     // Models.
-    const auto rain = calibration::readParameterFile(path("precip.PAR"));
+    const auto rain = series::readParameterFile(path("precip.PAR"));
     EXPECT_TRUE(rain.conditional);
-    EXPECT_EQ(rain.transformation, 2.0f);
+    EXPECT_EQ(rain.transformation, core::TransformFourthRoot);
     EXPECT_EQ(rain.predictorCount(), 4);
-    const auto tmax = calibration::readParameterFile(path("tmax.PAR"));
+    const auto tmax = series::readParameterFile(path("tmax.PAR"));
     EXPECT_FALSE(tmax.conditional);
     ASSERT_EQ(tmax.predictorNames, (std::vector<std::string>{"temp.dat", "p500.dat", "r850.dat"}));
     // Six years give about 180 days a month: each month's coefficients lie within a few
@@ -92,12 +92,12 @@ TEST(CliDemo, ShortChainWritesEveryStepsFilesAndRecoversTheKnownRelation) {
     // Generated series: five members a day, with their descriptions.
     for (const char* model : {"precip", "tmax"}) {
         const auto observed =
-            weathergen::readSimulationDescription(path(std::string(model) + "-observed.SIM"));
+            series::readSimulationDescription(path(std::string(model) + "-observed.SIM"));
         EXPECT_EQ(observed.ensembleSize, 5);
         EXPECT_EQ(observed.yearIndicator, 366);
         EXPECT_EQ(countLines(path(std::string(model) + "-observed.OUT")), observed.fitLength);
         const auto projected =
-            weathergen::readSimulationDescription(path(std::string(model) + "-model.SIM"));
+            series::readSimulationDescription(path(std::string(model) + "-model.SIM"));
         EXPECT_EQ(projected.yearIndicator, 360);
         EXPECT_EQ(projected.fitLength, 139 * 360);
         EXPECT_EQ(countLines(path(std::string(model) + "-model.OUT")), projected.fitLength);

@@ -336,3 +336,20 @@ TEST(FirstLine, FileWithoutLineEndsIsReadOnlyToTheLimit) {
     EXPECT_EQ(readFirstLine(path, 16), std::string(16, '7'));
     EXPECT_EQ(readFirstLine(path)->size(), 4096u);
 }
+
+TEST(SplitLines, AnyLineEndEndsALineAndALastLineNeedsNone) {
+    const std::vector<std::pair<std::string, std::vector<std::string>>> cases{
+        {"", {}},
+        {"a", {"a"}},
+        {"a\r\n", {"a"}},
+        {"a\r\nb", {"a", "b"}},
+        {"a\rb\nc\r\n", {"a", "b", "c"}},
+        {"a\n\nb", {"a", "", "b"}},
+        {"\r\n\r", {"", ""}},
+        {"a\n\r", {"a", ""}}, // LF then CR are two ends, not one
+        {" a \t\r\n", {" a \t"}},
+    };
+    for (const auto& [text, lines] : cases) {
+        EXPECT_EQ(splitLines(text), lines) << text;
+    }
+}

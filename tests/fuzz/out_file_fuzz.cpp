@@ -4,20 +4,20 @@
 #include "core/failure.hpp"
 #include "core/progress.hpp"
 #include "fuzz_input.hpp"
-#include "statistics/period_reader.hpp"
+#include "series/period_reader.hpp"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     if (size == 0) {
         return 0;
     }
     const varo::fuzz::InputFile input(data + 1, size - 1);
-    varo::statistics::DataSource source;
+    varo::series::DataSource source;
     source.path = input.path();
     source.memberCount = data[0] % 4 + 1;
     source.recordStart = {1, 1, 1961};
     varo::core::NullProgress progress;
     try {
-        varo::statistics::readPeriod(source, {1, 1, 1961}, {10, 1, 1961}, progress);
+        varo::series::readPeriod(source, {1, 1, 1961}, {10, 1, 1961}, progress);
     } catch (const varo::core::Failure&) {
     }
     return 0;

@@ -4,12 +4,14 @@
 // an edit says otherwise.
 #pragma once
 
+#include "core/series_file.hpp"
+
 #include <string>
 #include <vector>
 
 namespace varo::robustness {
 
-std::vector<std::string> splitLines(const std::string& text);
+using core::splitLines;
 std::string joinLines(const std::vector<std::string>& lines, const std::string& end = "\r\n");
 
 std::string replaceLine(const std::string& text, long line, const std::string& replacement);

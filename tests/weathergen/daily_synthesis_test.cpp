@@ -9,24 +9,47 @@
 #include <random>
 
 using namespace varo;
+using series::ParameterFile;
 using weathergen::DailySynthesis;
 using weathergen::ReferenceSample;
-using weathergen::SynthesisModel;
 using weathergen::SynthesisSettings;
 
 namespace {
 
-// One predictor, no lag; the same rows in every month unless a test changes them.
-SynthesisModel model(bool conditional, int transform, std::vector<double> occurrence,
-                     std::vector<double> amount = {}) {
-    SynthesisModel m;
-    m.header.predictorCount = 1;
-    m.header.conditional = conditional;
-    m.header.transformCode = transform;
-    for (auto& month : m.months) {
-        month.occurrence = occurrence;
-        month.amount = amount;
+// A month's row as the file holds it: intercept, coefficients (the lag last when there is
+// one), standard error, R squared.
+series::MonthParameters occurrenceRow(const std::vector<double>& row) {
+    series::MonthParameters month;
+    if (row.size() >= 2) {
+        month.coefficients.assign(row.begin(), row.end() - 2);
+        month.standardError = row[row.size() - 2];
+        month.rSquared = row.back();
     }
+    return month;
+}
+
+// An amount row: intercept, scale, coefficients, standard error, R squared.
+series::AmountParameters amountRow(const std::vector<double>& row) {
+    series::AmountParameters amount;
+    if (row.size() >= 4) {
+        amount.constant = row[0];
+        amount.meanRatio = row[1];
+        amount.coefficients.assign(row.begin() + 2, row.end() - 2);
+        amount.standardError = row[row.size() - 2];
+        amount.rSquared = row.back();
+    }
+    return amount;
+}
+
+// One predictor, no lag; the same rows in every month unless a test changes them.
+ParameterFile model(bool conditional, int transform, const std::vector<double>& occurrence,
+                    const std::vector<double>& amount = {}) {
+    ParameterFile m;
+    m.predictorNames = {"x.dat"};
+    m.conditional = conditional;
+    m.transformation = static_cast<core::TransformationCode>(transform);
+    m.months.fill(occurrenceRow(occurrence));
+    m.amounts.fill(amountRow(amount));
     return m;
 }
 
@@ -42,7 +65,7 @@ struct Ensemble {
     core::UniformRandom random;
     DailySynthesis synthesis;
     size_t members;
-    Ensemble(const SynthesisModel& m, const SynthesisSettings& s, int n)
+    Ensemble(const ParameterFile& m, const SynthesisSettings& s, int n)
         : synthesis(m, s, n, random), members(static_cast<size_t>(n)) {}
 
     // The members' values of a day of `month` with predictor value x.
@@ -54,7 +77,7 @@ struct Ensemble {
 };
 
 // One member's value for one day with predictor value x.
-double oneDay(const SynthesisModel& m, const SynthesisSettings& s, double x) {
+double oneDay(const ParameterFile& m, const SynthesisSettings& s, double x) {
     return Ensemble(m, s, 1).day(x)[0];
 }
 
@@ -66,7 +89,7 @@ double floorAbove(float thresh) {
 
 TEST(Noise, IsTheSinglePrecisionSumOfPrecNUniformsLessHalfPrecNTimesTheError) {
     // Intercept 0, coefficient 0, standard error 2: the values are the noise itself.
-    const SynthesisModel m = model(false, 1, {0.0, 0.0, 2.0, 0.0});
+    const ParameterFile m = model(false, 1, {0.0, 0.0, 2.0, 0.0});
     SynthesisSettings s = noiseFree();
     s.precN = 3;
     core::UniformRandom expected;
@@ -80,11 +103,11 @@ TEST(Noise, IsTheSinglePrecisionSumOfPrecNUniformsLessHalfPrecNTimesTheError) {
 }
 
 TEST(FirstStage, LaggedValuesStartFromTheInterceptOfTheFirstMonth) {
-    SynthesisModel m = model(false, 1, {}, {});
-    m.header.autoRegressive = true;
+    ParameterFile m = model(false, 1, {}, {});
+    m.autoregression = true;
     for (int month = 1; month <= 12; ++month) {
         // intercept, coefficient, lag coefficient, standard error, R squared
-        m.months[month - 1].occurrence = {month * 1.0, 1.0, 0.5, 0.0, 0.0};
+        m.months[month - 1] = occurrenceRow({month * 1.0, 1.0, 0.5, 0.0, 0.0});
     }
     Ensemble run(m, noiseFree(), 3);
     run.synthesis.startLaggedValues(3);
@@ -96,7 +119,7 @@ TEST(FirstStage, LaggedValuesStartFromTheInterceptOfTheFirstMonth) {
 }
 
 TEST(FirstStage, NegativeValuesAreCutToZeroOnlyWhenAllowNegIsOff) {
-    const SynthesisModel m = model(false, 1, {-1.0, 0.5, 0.0, 0.0});
+    const ParameterFile m = model(false, 1, {-1.0, 0.5, 0.0, 0.0});
     SynthesisSettings s = noiseFree();
     EXPECT_EQ(oneDay(m, s, 1.0), -0.5);
     s.allowNeg = false;
@@ -104,11 +127,9 @@ TEST(FirstStage, NegativeValuesAreCutToZeroOnlyWhenAllowNegIsOff) {
 }
 
 TEST(MissingDays, WriteTheCodeEverywhereDrawNothingAndKeepTheLags) {
-    SynthesisModel m = model(false, 1, {1.0, 1.0, 0.0, 3.0, 0.0});
-    m.header.autoRegressive = true;
-    for (auto& month : m.months) {
-        month.occurrence = {1.0, 1.0, 0.5, 3.0, 0.0};
-    }
+    ParameterFile m = model(false, 1, {1.0, 1.0, 0.0, 3.0, 0.0});
+    m.autoregression = true;
+    m.months.fill(occurrenceRow({1.0, 1.0, 0.5, 3.0, 0.0}));
     SynthesisSettings s;
     s.missingCode = -99.0;
     Ensemble run(m, s, 4);
@@ -137,7 +158,7 @@ TEST(Occurrence, AFixedThresholdCountsAProbabilityEqualToItAsWetAndDrawsFollowTh
     // (u < 1), one below 0 never is.
     s.conditionalSelection = 1;
     for (const auto& [probability, share] : {std::pair{1.0, 1.0}, {-0.25, 0.0}, {0.3, 0.3}}) {
-        const SynthesisModel m = model(true, 1, {probability, 0.0, 0.0, 0.0}, amount);
+        const ParameterFile m = model(true, 1, {probability, 0.0, 0.0, 0.0}, amount);
         Ensemble run(m, s, 100);
         long wet = 0;
         for (int day = 0; day < 200; ++day) {
@@ -169,19 +190,17 @@ TEST(Amounts, TransformationsBackFromTheModelScaleWithBias) {
     const std::vector<double> wet = {1.0, 0.0, 0.0, 0.0};
     // y = scale * (intercept + coefficient * x) = 2 * (-1 + 0.5 * 1) = -1
     const std::vector<double> amount = {-1.0, 2.0, 0.5, 0.0, 0.0};
-    EXPECT_EQ(oneDay(model(true, weathergen::TransformFourthRoot, wet, amount), s, 1.0), 0.5);
-    EXPECT_EQ(oneDay(model(true, weathergen::TransformLog, wet, amount), s, 1.0),
-              0.5 * std::exp(-1.0));
+    EXPECT_EQ(oneDay(model(true, core::TransformFourthRoot, wet, amount), s, 1.0), 0.5);
+    EXPECT_EQ(oneDay(model(true, core::TransformLog, wet, amount), s, 1.0), 0.5 * std::exp(-1.0));
     // x = 3: y = 2 * 0.5 = 1; none keeps 0.5 * 1
-    EXPECT_EQ(oneDay(model(true, weathergen::TransformNone, wet, amount), s, 3.0), 0.5);
+    EXPECT_EQ(oneDay(model(true, core::TransformNone, wet, amount), s, 3.0), 0.5);
     // x = -5: y = -7; the fourth power is positive
-    EXPECT_EQ(oneDay(model(true, weathergen::TransformFourthRoot, wet, amount), s, -5.0),
-              0.5 * 2401.0);
+    EXPECT_EQ(oneDay(model(true, core::TransformFourthRoot, wet, amount), s, -5.0), 0.5 * 2401.0);
 }
 
 TEST(Amounts, BoxCoxInvertsWithTheShiftAndGivesTheMissingCodeForANonPositiveArgument) {
-    SynthesisModel m =
-        model(true, weathergen::TransformBoxCox, {1.0, 0.0, 0.0, 0.0}, {0.0, 1.0, 1.0, 0.0, 0.0});
+    ParameterFile m =
+        model(true, core::TransformBoxCox, {1.0, 0.0, 0.0, 0.0}, {0.0, 1.0, 1.0, 0.0, 0.0});
     SynthesisSettings s = noiseFree();
     s.biasCorrection = 2.0f;
     for (auto& month : m.months) {
@@ -202,8 +221,8 @@ TEST(Amounts, BoxCoxInvertsWithTheShiftAndGivesTheMissingCodeForANonPositiveArgu
     for (auto& month : m.months) {
         month.lamda = 1.0;
         month.shift = 0.0;
-        month.amount = {0.0, 1.0, 1.0, 3.0, 0.0};
     }
+    m.amounts.fill(amountRow({0.0, 1.0, 1.0, 3.0, 0.0}));
     s.precN = 12;
     const auto values = Ensemble(m, s, 100).day(0.0);
     const auto missing = std::count(values.begin(), values.end(), s.missingCode);
@@ -214,8 +233,8 @@ TEST(Amounts, BoxCoxInvertsWithTheShiftAndGivesTheMissingCodeForANonPositiveArgu
 }
 
 TEST(Amounts, OverflowIsAFailure) {
-    const SynthesisModel m =
-        model(true, weathergen::TransformLog, {1.0, 0.0, 0.0, 0.0}, {0.0, 1.0, 1.0, 0.0, 0.0});
+    const ParameterFile m =
+        model(true, core::TransformLog, {1.0, 0.0, 0.0, 0.0}, {0.0, 1.0, 1.0, 0.0, 0.0});
     EXPECT_TRUE(varo::testing::failsWith([&] { oneDay(m, noiseFree(), 1000.0); },
                                          core::failure::OverflowOccurred, "member 1"));
 }

@@ -120,13 +120,13 @@ TEST_F(SynthesisRun, StochasticBoxCoxRunFollowsTheOrderOfDraws) {
     core::setYearIndicator(state, 360);
     state.allowNeg = false;
     state.thresh = 0.1f;
-    weathergen::ParameterHeader shown;
+    series::ParameterFile shown;
     weathergen::synthesize(
         request(data("stochastic.PAR"), dir.path("stochastic.OUT"), {15, 1, 1961}, 60, 5), state,
-        progress, [&](const weathergen::ParameterHeader& h) { shown = h; });
+        progress, [&](const series::ParameterFile& h) { shown = h; });
     EXPECT_EQ(readFile(dir.path("stochastic.OUT")), readFile(data("stochastic.OUT")));
     EXPECT_EQ(readFile(dir.path("stochastic.SIM")), readFile(data("stochastic.SIM")));
-    EXPECT_FALSE(shown.hasAutoRegressionLine);
+    EXPECT_FALSE(shown.hasAutoregressionLine);
     EXPECT_EQ(shown.predictandName, "rain.dat");
 
     // The fixed state repeats the file exactly; a clock seed gives another stream.

@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-namespace varo::weathergen {
+namespace varo::series {
 
 struct SimulationDescription {
     std::int16_t predictorCount = 0;
@@ -45,4 +45,4 @@ SimulationDescription readSimulationDescription(const std::string& path);
 void appendDayLine(std::string& line, const double* values, int count);
 void writeDayLine(core::TextFileWriter& file, const double* values, int count);
 
-} // namespace varo::weathergen
+} // namespace varo::series

@@ -1,6 +1,6 @@
-// Reading the analysis period of a data file: the days before the period are read and
+// Reading the analysis period of one data file: the days before the period are read and
 // dropped, then every day from the period's start to its end inclusive is read, stepping
-// by the calendar of the file's own year length.
+// by the calendar of the file's own year length (`DailyFiles` with a single file).
 //
 // A file of one member is read free-format, one number a day. A file of several members
 // (an OUT file) is read a line a day, member k being the number in characters 14k - 13 to
@@ -10,18 +10,27 @@
 #include "core/dates.hpp"
 #include "core/progress.hpp"
 #include "core/record_calendar.hpp"
-#include "statistics/row_lists.hpp"
 
+#include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
-namespace varo::statistics {
+namespace varo::series {
+
+inline constexpr std::string_view ReadingCaption = "Reading in Data";
 
 struct DataSource {
     std::string path;
     int memberCount = 1;
     core::CalendarRule calendar = core::RealCalendar;
     core::Date recordStart; // the date of the file's first row
+};
+
+// The position of one day of a period: its month and year by the record's calendar.
+struct PeriodDay {
+    std::int16_t month = 1;
+    std::int16_t year = 1900;
 };
 
 // The values of a period, member by member.
@@ -48,4 +57,4 @@ std::vector<PeriodDay> periodDays(const core::CalendarRule& calendar, const core
 PeriodValues readPeriod(const DataSource& source, const core::Date& start, const core::Date& end,
                         core::Progress& progress);
 
-} // namespace varo::statistics
+} // namespace varo::series

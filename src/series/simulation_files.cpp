@@ -1,4 +1,4 @@
-#include "weathergen/simulation_files.hpp"
+#include "series/simulation_files.hpp"
 
 #include "core/dates.hpp"
 #include "core/failure.hpp"
@@ -6,7 +6,7 @@
 #include "core/numeric_text.hpp"
 #include "core/quoted_text.hpp"
 
-namespace varo::weathergen {
+namespace varo::series {
 
 namespace {
 
@@ -163,4 +163,4 @@ void writeDayLine(core::TextFileWriter& file, const double* values, int count) {
     file.endLine();
 }
 
-} // namespace varo::weathergen
+} // namespace varo::series

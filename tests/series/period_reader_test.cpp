@@ -1,14 +1,14 @@
-#include "statistics/period_reader.hpp"
+#include "series/period_reader.hpp"
 
 #include "core/failure.hpp"
-#include "engine_support.hpp"
 #include "support/failure_checks.hpp"
+#include "support/recording_progress.hpp"
 #include "support/temp_dir.hpp"
 
 #include <gtest/gtest.h>
 
 using namespace varo;
-using namespace varo::statistics;
+using namespace varo::series;
 using namespace varo::testing;
 
 namespace {

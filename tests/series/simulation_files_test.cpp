@@ -1,7 +1,7 @@
 #include "core/failure.hpp"
+#include "series/simulation_files.hpp"
 #include "support/failure_checks.hpp"
 #include "support/temp_dir.hpp"
-#include "weathergen/simulation_files.hpp"
 
 #include <gtest/gtest.h>
 #include <string>
@@ -12,8 +12,8 @@ using varo::testing::readFile;
 using varo::testing::TempDir;
 
 namespace {
-weathergen::SimulationDescription sample() {
-    weathergen::SimulationDescription d;
+series::SimulationDescription sample() {
+    series::SimulationDescription d;
     d.predictorCount = 2;
     d.seasonCode = 12;
     d.yearIndicator = 360;
@@ -33,10 +33,10 @@ weathergen::SimulationDescription sample() {
 TEST(SimulationDescription, WrittenToTheByte) {
     TempDir dir;
     const auto path = dir.path("run.SIM");
-    weathergen::writeSimulationDescription(path, sample());
+    series::writeSimulationDescription(path, sample());
     EXPECT_EQ(readFile(path), " 2 \r\n 12 \r\n 360 \r\n01/01/2011\r\n 32400 \r\n#TRUE#\r\n 20 \r\n"
                               " 12 \r\n 2 \r\n .9 \r\nprecip.dat\r\nmslp.dat\r\np500.dat\r\n");
-    EXPECT_EQ(weathergen::readSimulationDescription(path), sample());
+    EXPECT_EQ(series::readSimulationDescription(path), sample());
 }
 
 // Each problem gives the file, the line, the item that belongs there and what stands
@@ -78,40 +78,40 @@ TEST(SimulationDescription, EveryProblemNamesFileLineItemAndValue) {
     TempDir dir;
     for (const Case& c : cases) {
         const auto path = dir.write("g.SIM", c.content);
-        EXPECT_TRUE(varo::testing::failsWith([&] { weathergen::readSimulationDescription(path); },
+        EXPECT_TRUE(varo::testing::failsWith([&] { series::readSimulationDescription(path); },
                                              c.number,
                                              "of the SIM file '" + path + "' " + c.expected))
             << c.expected;
     }
     const auto wide = dir.write("w.SIM", withLine(2, std::string(70000, '7')));
     EXPECT_TRUE(
-        varo::testing::failsWith([&] { weathergen::readSimulationDescription(wide); }, 13,
+        varo::testing::failsWith([&] { series::readSimulationDescription(wide); }, 13,
                                  "Line 2 of '" + wide + "' is longer than 65536 characters"));
     const auto shortFile = dir.write("s.SIM", " 2 \r\n 12 \r\n");
     EXPECT_TRUE(
-        varo::testing::failsWith([&] { weathergen::readSimulationDescription(shortFile); }, 62,
+        varo::testing::failsWith([&] { series::readSimulationDescription(shortFile); }, 62,
                                  "The SIM file '" + shortFile +
                                      "' ends after line 2, where line 3 should hold the year "
                                      "length."));
     const auto names = dir.write("n.SIM", withLine(13, "").substr(0, withLine(13, "").size() - 2));
-    EXPECT_TRUE(varo::testing::failsWith([&] { weathergen::readSimulationDescription(names); }, 62,
+    EXPECT_TRUE(varo::testing::failsWith([&] { series::readSimulationDescription(names); }, 62,
                                          "line 13 should hold the name of predictor 2."));
-    EXPECT_EQ(weathergen::readSimulationDescription(
-                  dir.write("bom.SIM", "\xEF\xBB\xBF" + withLine(0, ""))),
-              sample());
+    EXPECT_EQ(
+        series::readSimulationDescription(dir.write("bom.SIM", "\xEF\xBB\xBF" + withLine(0, ""))),
+        sample());
 }
 
 TEST(SimulationFiles, SimPathReplacesTheLastThreeCharacters) {
-    EXPECT_EQ(weathergen::simPathFor("/a/run.OUT"), "/a/run.SIM");
-    EXPECT_EQ(weathergen::simPathFor("/a/run.out"), "/a/run.SIM");
+    EXPECT_EQ(series::simPathFor("/a/run.OUT"), "/a/run.SIM");
+    EXPECT_EQ(series::simPathFor("/a/run.out"), "/a/run.SIM");
 }
 
 TEST(OutFile, DayLinesUseZonesAndThreeDecimals) {
     const double values[] = {1234567.5, -999.0, 0.0004};
     std::string line;
-    weathergen::appendDayLine(line, values, 3);
+    series::appendDayLine(line, values, 3);
     EXPECT_EQ(line, "1234567.500   -999.000      0.000         ");
     std::string single;
-    weathergen::appendDayLine(single, values + 1, 1);
+    series::appendDayLine(single, values + 1, 1);
     EXPECT_EQ(single, "-999.000      ");
 }
