@@ -134,14 +134,10 @@ DayCube readDayCube(const core::ProgramState& state, const CalibrationData& data
         return full;
     };
 
-    const auto recordStart = core::parseDate(state.globalSDate);
-    if (!recordStart) {
-        throw core::Failure(core::failure::TypeMismatch,
-                            "The record start date '" + state.globalSDate + "' is not a date.");
-    }
-    core::RecordCalendar position(core::calendarInForce(state), *recordStart);
+    const core::Date& recordStart = state.globalSDate;
+    core::RecordCalendar position(core::calendarInForce(state), recordStart);
     core::skipToFitStart(
-        position, *recordStart, data.fitStart, [&] { readDay(); }, progress);
+        position, recordStart, data.fitStart, [&] { readDay(); }, progress);
 
     long daysRead = 0;
     const auto yield = [&] {

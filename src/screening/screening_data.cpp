@@ -8,12 +8,7 @@ namespace varo::screening {
 namespace {
 
 core::Date recordStart(const core::ProgramState& state) {
-    const auto start = core::parseDate(state.globalSDate);
-    if (!start) {
-        throw core::Failure(core::failure::TypeMismatch,
-                            "The record start date '" + state.globalSDate + "' is not a date.");
-    }
-    return *start;
+    return state.globalSDate;
 }
 
 void failTooManyRows() {
