@@ -270,54 +270,61 @@ std::optional<std::string> endDateRefusal(std::string_view, const ProgramState& 
     return standardDateRefusal(value, formatDate(state.globalSDate), false);
 }
 
-std::optional<std::string> missingCodeRefusal(std::string_view, const ProgramState&,
-                                              std::string_view value) {
+// A number, refused with `notNumber` when it is none and with `outOfRange` when it lies
+// outside its range.
+template <typename Outside>
+std::optional<std::string> numberRefusal(std::string_view value, std::string_view notNumber,
+                                         Outside outside, std::string_view outOfRange) {
     if (!isNumeric(value)) {
-        return "Missing data identifier must be a number.";
+        return std::string(notNumber);
+    }
+    if (outside(leadingNumber(value))) {
+        return std::string(outOfRange);
     }
     return std::nullopt;
+}
+
+// A number from `low` to `high`, the limits included, or the one message.
+std::optional<std::string> rangeRefusal(std::string_view value, double low, double high,
+                                        std::string_view message) {
+    if (numberIn(value, low, high)) {
+        return std::nullopt;
+    }
+    return std::string(message);
+}
+
+std::optional<std::string> missingCodeRefusal(std::string_view, const ProgramState&,
+                                              std::string_view value) {
+    return numberRefusal(
+        value, "Missing data identifier must be a number.", [](double) { return false; }, "");
 }
 
 // 0 and 1000 pass, whatever the message says.
 std::optional<std::string> thresholdRefusal(std::string_view, const ProgramState&,
                                             std::string_view value) {
-    if (!isNumeric(value)) {
-        return "Threshold must be a value.";
-    }
-    const double threshold = leadingNumber(value);
-    if (threshold < 0.0 || threshold > 1000.0) {
-        return "Threshold must be positive and less than 1000.";
-    }
-    return std::nullopt;
+    return numberRefusal(
+        value, "Threshold must be a value.", [](double t) { return t < 0.0 || t > 1000.0; },
+        "Threshold must be positive and less than 1000.");
 }
 
 std::optional<std::string> varianceInflationRefusal(std::string_view, const ProgramState&,
                                                     std::string_view value) {
-    if (!numberIn(value, 0.0, 100.0)) {
-        return "Random number size must be a value between 0 and 100.";
-    }
-    return std::nullopt;
+    return rangeRefusal(value, 0.0, 100.0, "Random number size must be a value between 0 and 100.");
 }
 
 // 0 and 2 both fail.
 std::optional<std::string> biasRefusal(std::string_view, const ProgramState&,
                                        std::string_view value) {
-    if (!isNumeric(value)) {
-        return "Bias correction must be a value less than two.";
-    }
-    const double bias = leadingNumber(value);
-    if (bias >= 2.0 || bias <= 0.0) {
-        return "Bias correction must be positive and less than two.";
-    }
-    return std::nullopt;
+    return numberRefusal(
+        value, "Bias correction must be a value less than two.",
+        [](double b) { return b >= 2.0 || b <= 0.0; },
+        "Bias correction must be positive and less than two.");
 }
 
 std::optional<std::string> conditionalThreshRefusal(std::string_view, const ProgramState&,
                                                     std::string_view value) {
-    if (!numberIn(value, 0.05, 0.95)) {
-        return "Conditional threshold must be a value between 0.05 and 0.95.";
-    }
-    return std::nullopt;
+    return rangeRefusal(value, 0.05, 0.95,
+                        "Conditional threshold must be a value between 0.05 and 0.95.");
 }
 
 // The order of the load at start, without the last reading of ApplyStepwise.

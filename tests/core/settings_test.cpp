@@ -358,34 +358,6 @@ TEST(SettingsTable, LoadThenSaveGivesTheSameFile) {
     EXPECT_EQ(readFile(path), text);
 }
 
-TEST(SettingsTable, EachScreenSavesItsKeysInTheOrderOfTheFile) {
-    const auto names = [](SettingScreen screen) {
-        std::vector<std::string_view> found;
-        for (const SettingKey* key : keysSavedBy(screen)) {
-            found.push_back(key->name);
-        }
-        return found;
-    };
-    EXPECT_EQ(
-        names(SettingScreen::Settings),
-        (std::vector<std::string_view>{"YearIndicator", "GlobalSDate", "GlobalEDate", "AllowNeg",
-                                       "RandomSeed", "Thresh", "GlobalMissingCode", "DefaultDir"}));
-    EXPECT_EQ(names(SettingScreen::AdvSettings),
-              (std::vector<std::string_view>{
-                  "PrecN", "INIFile", "BiasCorrection", "ModelTransformation", "OptimisationChoice",
-                  "ConditionalSelection", "ConditionalThresh", "ApplyStepwise", "AICWanted"}));
-    EXPECT_EQ(names(SettingScreen::Intro), (std::vector<std::string_view>{"Splash"}));
-}
-
-TEST(SettingsTable, AFailedWriteIsReported) {
-    TempDir dir;
-    const ProgramState state = factoryState(dir.write("data.dat", "1.5\r\n"));
-    const SettingsWritten written = writeSettings(state, keysSavedBy(SettingScreen::Settings));
-    EXPECT_FALSE(written.first);
-    EXPECT_FALSE(written.all);
-    EXPECT_EQ(readFile(state.settingsFile), "1.5\r\n");
-}
-
 TEST(LoadStartupSettings, WithoutYearIndicatorNothingChanges) {
     TempDir dir;
     const auto state = stateReading(dir.write("a.ini", "[VARO]\r\nThresh=5\r\nPrecN=3\r\n"));
