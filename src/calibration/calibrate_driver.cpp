@@ -18,7 +18,7 @@ public:
                 core::Notifier& notifier)
         : state_(state), request_(request), meanRatio_(meanRatio), environment_{progress, notifier},
           method_(fitMethodOf(state.optimisationChoice)),
-          code_(transformationCode(state.modelTransformation)), missing_(state.globalMissingCode) {
+          code_(state.modelTransformation.codeInForce()), missing_(state.globalMissingCode) {
         for (const std::string& path : request.data.predictorPaths) {
             fileList_.push_back(core::bareFileName(path));
         }
@@ -194,14 +194,12 @@ private:
         series::ParameterFile& file = results_.parameters;
         file.groups = groupCount(request_.data.modelType);
         file.yearIndicator = state_.yearIndicator;
-        file.recordStart = state_.globalSDate;
-        const auto start = core::parseDate(state_.globalSDate);
-        const auto end = core::parseDate(state_.globalEDate);
-        file.recordDays = start && end ? core::daysInclusive(*start, *end) : state_.globalDays;
+        file.recordStart = core::formatDate(state_.globalSDate);
+        file.recordDays = core::globalDays(state_);
         file.fitStart = request_.fitStartText;
         file.fitDays = request_.data.fitDays;
         file.conditional = request_.conditional;
-        file.transformation = static_cast<core::TransformationCode>(code_);
+        file.transformation = state_.modelTransformation.codeInForce();
         file.autoregression = modelHasLag_;
         file.predictandName = request_.predictandName;
         file.predictorNames = fileList_;

@@ -8,15 +8,6 @@
 
 namespace varo::calibration {
 
-int transformationCode(float modelTransformation) {
-    for (int code = TransformFourthRoot; code <= TransformBoxCox; ++code) {
-        if (modelTransformation == static_cast<float>(code)) {
-            return code;
-        }
-    }
-    return TransformNone;
-}
-
 namespace {
 
 bool isWet(double value, float thresh) {

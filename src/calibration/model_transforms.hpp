@@ -28,9 +28,6 @@ using core::TransformInverseNormal;
 using core::TransformLog;
 using core::TransformNone;
 
-// The code of the setting; values that are no code transform nothing.
-int transformationCode(float modelTransformation);
-
 // A stop of the run that shows no message.
 class SilentStop : public std::runtime_error {
 public:

@@ -3,7 +3,6 @@
 #include "core/quoted_text.hpp"
 #include "core/settings.hpp"
 #include "screens/navigation.hpp"
-#include "screens/settings_override.hpp"
 
 #include <atomic>
 #include <csignal>
@@ -147,8 +146,9 @@ int CliContext::prepareState() {
             dialogs_.error("--set takes KEY=VALUE, not " + core::quotedInput(assignment) + ".");
             return ExitRefused;
         }
-        if (!screens::overrideSetting(state, dialogs_, assignment.substr(0, equals),
-                                      assignment.substr(equals + 1))) {
+        if (const auto refusal = core::assignSetting(state, assignment.substr(0, equals),
+                                                     assignment.substr(equals + 1))) {
+            dialogs_.error(*refusal);
             return ExitRefused;
         }
     }

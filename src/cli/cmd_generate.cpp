@@ -52,7 +52,7 @@ int runGenerate(CliContext& context, const GenerateOptions& options) {
     if (details != screens::RunOutcome::Done) {
         return exitCodeFor(details);
     }
-    screen.fStartText.text = options.start.value_or(context.state.globalSDate);
+    screen.fStartText.text = options.start.value_or(core::formatDate(context.state.globalSDate));
     screen.fLengthText.text =
         options.days.value_or(std::string(screens::SynthesizeScreen::DefaultLength));
     screen.eSize.text =

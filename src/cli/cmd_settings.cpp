@@ -1,41 +1,27 @@
 // varo settings show | set KEY VALUE | reset
 #include "cli/commands.hpp"
 
-#include "core/ini_file.hpp"
 #include "core/settings.hpp"
-#include "screens/settings_override.hpp"
 #include "screens/settings_screens.hpp"
 
 namespace varo::cli {
 
 namespace {
 
-bool isBooleanKey(std::string_view key) {
-    return key == "AllowNeg" || key == "RandomSeed" || key == "ApplyStepwise" ||
-           key == "AICWanted" || key == "Splash";
-}
-
-bool isTextKey(std::string_view key) {
-    return key == "GlobalSDate" || key == "GlobalEDate" || key == "DefaultDir" || key == "INIFile";
-}
-
-bool isIntegerKey(std::string_view key) {
-    return key == "YearIndicator" || key == "PrecN" || key == "OptimisationChoice" ||
-           key == "ConditionalSelection";
-}
-
 // Numbers as numbers, flags as booleans, dates and paths as text.
-nlohmann::ordered_json jsonValue(std::string_view key, const std::string& written) {
-    if (isBooleanKey(key)) {
+nlohmann::ordered_json jsonValue(const core::SettingKey& key, const std::string& written) {
+    switch (key.type) {
+    case core::SettingType::Flag:
         return written == "True";
-    }
-    if (isTextKey(key)) {
-        return written;
-    }
-    if (isIntegerKey(key)) {
+    case core::SettingType::Integer:
         return std::stoll(written);
+    case core::SettingType::Number:
+        return std::stod(written);
+    case core::SettingType::Date:
+    case core::SettingType::Path:
+        break;
     }
-    return std::stod(written);
+    return written;
 }
 
 int showSettings(CliContext& context) {
@@ -43,12 +29,12 @@ int showSettings(CliContext& context) {
         return refused;
     }
     nlohmann::ordered_json document = nlohmann::ordered_json::object();
-    for (std::string_view key : screens::settingsFileKeys()) {
-        const std::string written = core::writtenSettingValue(context.state, key);
+    for (const core::SettingKey& key : core::settingsTable()) {
+        const std::string written = key.written(context.state);
         if (context.options.json) {
-            document[std::string(key)] = jsonValue(key, written);
+            document[std::string(key.name)] = jsonValue(key, written);
         } else {
-            context.out << key << '=' << written << '\n';
+            context.out << key.name << '=' << written << '\n';
         }
     }
     if (context.options.json) {
@@ -57,40 +43,30 @@ int showSettings(CliContext& context) {
     return ExitDone;
 }
 
-bool writeKeys(const core::ProgramState& state, const std::vector<std::string_view>& keys) {
-    for (std::string_view key : keys) {
-        if (!core::writeProfileString(state.settingsFile, core::SettingsSection, key,
-                                      core::writtenSettingValue(state, key))) {
-            return false;
-        }
-    }
-    return true;
-}
-
-int setSetting(CliContext& context, const std::string& key, const std::string& value) {
+int setSetting(CliContext& context, const std::string& name, const std::string& value) {
     if (const int refused = context.prepareState()) {
         return refused;
     }
-    if (!screens::overrideSetting(context.state, context.dialogs(), key, value)) {
+    if (const auto refusal = core::assignSetting(context.state, name, value)) {
+        context.dialogs().error(*refusal);
         return ExitRefused;
     }
-    if (const auto problem = core::settingsFileProblem(context.state.settingsFile)) {
-        context.dialogs().error("Sorry, unable to save data to " + context.state.settingsFile +
-                                ".\r\n" + *problem);
+    const std::string& path = context.state.settingsFile;
+    if (const auto problem = core::settingsFileProblem(path)) {
+        context.dialogs().error("Sorry, unable to save data to " + path + ".\r\n" + *problem);
         return ExitRefused;
     }
-    // Every key is written, so that a file made by `settings set` alone loads at start,
-    // which needs YearIndicator to be present.
-    const std::string_view canonical = screens::canonicalSettingKey(key);
-    std::vector<std::string_view> keys(core::SettingsScreenKeys);
-    keys.insert(keys.end(), core::AdvSettingsScreenKeys.begin(), core::AdvSettingsScreenKeys.end());
-    if (!writeKeys(context.state, keys)) {
-        context.dialogs().error("Sorry, unable to save data to " + context.state.settingsFile +
-                                ".");
+    // The keys of both screens are written, so that a file made by `settings set` alone
+    // loads at start, which needs YearIndicator to be present.
+    auto keys = core::keysSavedBy(core::SettingScreen::Settings);
+    const auto advanced = core::keysSavedBy(core::SettingScreen::AdvSettings);
+    keys.insert(keys.end(), advanced.begin(), advanced.end());
+    if (!core::writeSettings(context.state, keys).all) {
+        context.dialogs().error("Sorry, unable to save data to " + path + ".");
         return ExitFailed;
     }
     context.dialogs().message(
-        "Settings Saved", std::string(canonical) + " saved to " + context.state.settingsFile + ".",
+        "Settings Saved", std::string(core::findSettingKey(name)->name) + " saved to " + path + ".",
         screens::Icon::Information);
     return ExitDone;
 }

@@ -26,13 +26,6 @@ std::string_view trim(std::string_view text) {
     return text;
 }
 
-bool equalNoCase(std::string_view a, std::string_view b) {
-    return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin(), [](char x, char y) {
-               return std::tolower(static_cast<unsigned char>(x)) ==
-                      std::tolower(static_cast<unsigned char>(y));
-           });
-}
-
 // A file read for its lines: whether it could be read, and why not.
 struct IniText {
     std::vector<std::string> lines; // without their line ends (CR LF, LF or CR)
@@ -133,6 +126,13 @@ std::string_view unquote(std::string_view value) {
 }
 
 } // namespace
+
+bool equalNoCase(std::string_view a, std::string_view b) {
+    return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin(), [](char x, char y) {
+               return std::tolower(static_cast<unsigned char>(x)) ==
+                      std::tolower(static_cast<unsigned char>(y));
+           });
+}
 
 std::string readProfileString(const std::string& path, std::string_view section,
                               std::string_view key, std::string_view defaultText,

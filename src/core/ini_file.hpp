@@ -22,6 +22,9 @@ namespace varo::core {
 
 inline constexpr size_t MaxIniFileSize = 1 << 20;
 
+// Texts that match without regard to case, as section and key names do.
+bool equalNoCase(std::string_view a, std::string_view b);
+
 std::string readProfileString(const std::string& path, std::string_view section,
                               std::string_view key, std::string_view defaultText,
                               size_t bufferSize);

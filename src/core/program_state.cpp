@@ -46,11 +46,8 @@ std::string defaultSettingsPath() {
     return base + "/varo/VARO.INI";
 }
 
-void setYearIndicator(ProgramState& state, int yearIndicator) {
-    const CalendarRule rule = calendarForYearLength(yearIndicator);
-    state.yearIndicator = static_cast<std::int16_t>(yearIndicator);
-    state.yearLengthRow = static_cast<std::int16_t>(rule.yearLengthRow);
-    state.leapExtraDays = static_cast<std::int16_t>(rule.leapExtraDays);
+std::int32_t globalDays(const ProgramState& state) {
+    return static_cast<std::int32_t>(daysInclusive(state.globalSDate, state.globalEDate));
 }
 
 void initialiseState(ProgramState& state) {
@@ -71,7 +68,7 @@ void initialiseState(ProgramState& state) {
     int row = 1;
     for (const char* name : StatisticNames) {
         const bool selected = row == 1 || row == 2 || row == 3 || row == 5 || row == 10;
-        state.statisticTable.push_back({name, selected ? "Y" : "N"});
+        state.statisticTable.push_back({name, selected});
         ++row;
     }
     state.barColours = {Rgb{128, 0, 0}, Rgb{0, 128, 0}, Rgb{64, 0, 0}};
@@ -91,7 +88,7 @@ int statisticIndex(const ProgramState& state, const std::string& name) {
 
 bool statisticSelected(const ProgramState& state, int index) {
     return index >= 1 && index <= static_cast<int>(state.statisticTable.size()) &&
-           state.statisticTable[index - 1].flag == "Y";
+           state.statisticTable[index - 1].selected;
 }
 
 } // namespace varo::core

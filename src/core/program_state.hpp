@@ -3,6 +3,8 @@
 // whoever reads it; `initialiseState` gives every field its initial value.
 #pragma once
 
+#include "core/dates.hpp"
+#include "core/model_transformation.hpp"
 #include "core/progress.hpp"
 #include "core/record_calendar.hpp"
 
@@ -13,16 +15,6 @@
 
 namespace varo::core {
 
-// Codes of the model transformation: of the ModelTransformation setting, of a parameter
-// file and of a SIM file.
-enum TransformationCode : int {
-    TransformNone = 1,
-    TransformFourthRoot = 2,
-    TransformLog = 3,
-    TransformInverseNormal = 4,
-    TransformBoxCox = 5,
-};
-
 struct PredictorEntry {
     std::string code;
     std::string description;
@@ -30,7 +22,7 @@ struct PredictorEntry {
 
 struct StatisticEntry {
     std::string name;
-    std::string flag; // "Y" or "N"
+    bool selected = false;
 };
 
 struct Rgb {
@@ -41,8 +33,8 @@ struct Rgb {
 };
 
 struct DatePeriod {
-    std::string start; // dd/mm/yyyy
-    std::string end;
+    Date start;
+    Date end;
 };
 
 // Parameters of the statistics, edited on the statistics selection screen.
@@ -53,27 +45,26 @@ struct StatisticParameters {
     std::int16_t nDayTotal = 5;
     float potPercentile = 90.0f;
     std::int16_t deltaKind = 1; // 1 percentage, 2 absolute
-    DatePeriod basePeriod{"01/01/1961", "31/12/1990"};
-    DatePeriod periodA{"01/01/2011", "31/12/2040"};
-    DatePeriod periodB{"01/01/2041", "31/12/2070"};
-    DatePeriod periodC{"01/01/2071", "31/12/2099"};
+    DatePeriod basePeriod{{1, 1, 1961}, {31, 12, 1990}};
+    DatePeriod periodA{{1, 1, 2011}, {31, 12, 2040}};
+    DatePeriod periodB{{1, 1, 2041}, {31, 12, 2070}};
+    DatePeriod periodC{{1, 1, 2071}, {31, 12, 2099}};
 };
 
 struct ProgramState {
-    // Settings (kept in the settings file under keys of the same name).
-    std::int16_t yearIndicator = 366;
-    std::int16_t yearLengthRow = 1;
-    std::int16_t leapExtraDays = 1;
+    // Settings (kept in the settings file under keys of the same name). The calendar row
+    // and leap days follow from the year length (`calendarInForce`), the days of the
+    // standard period from its dates (`globalDays`).
+    std::int16_t yearIndicator = 366; // 366, 365 or 360
     float thresh = 0.0f;
-    std::string globalSDate = "01/01/1961";
-    std::string globalEDate = "31/12/1990";
-    std::int32_t globalDays = 10957;
+    Date globalSDate{1, 1, 1961};
+    Date globalEDate{31, 12, 1990};
     double globalMissingCode = -999.0;
     bool allowNeg = true;
     bool randomSeed = true;
     StopFlag stopRequested;
     float biasCorrection = 1.0f;
-    float modelTransformation = 1.0f; // 1 none, 2 fourth root, 3 ln, 4 inverse normal, 5 Box-Cox
+    ModelTransformation modelTransformation;
     std::int16_t precN = 12;
     std::int16_t precNDefault = 12;
     std::int16_t optimisationChoice = 1; // 1 ordinary least squares, 2 dual simplex
@@ -122,8 +113,8 @@ void initialiseState(ProgramState& state);
 std::string defaultSettingsPath();
 std::string homeFolder();
 
-// Sets YearIndicator with the calendar row and leap days that follow from it.
-void setYearIndicator(ProgramState& state, int yearIndicator);
+// Days of the standard period, both ends counted (real calendar days in any year length).
+std::int32_t globalDays(const ProgramState& state);
 
 // A statistic's place (1-based) in the statistic table, 0 when there is none.
 int statisticIndex(const ProgramState& state, const std::string& name);

@@ -40,13 +40,13 @@ CalendarRule calendarForYearLength(int yearIndicator) {
 }
 
 CalendarRule calendarInForce(const ProgramState& state) {
-    return {state.yearLengthRow, state.leapExtraDays};
+    return calendarForYearLength(state.yearIndicator);
 }
 
 DatesInUse settingsDatesInUse(const ProgramState& state, const Date& periodStart,
                               const Date& periodEnd, std::string periodName) {
-    return {state.globalSDate,     state.globalEDate,     formatDate(periodStart),
-            formatDate(periodEnd), std::move(periodName), state.yearIndicator};
+    return {formatDate(state.globalSDate), formatDate(state.globalEDate), formatDate(periodStart),
+            formatDate(periodEnd),         std::move(periodName),         state.yearIndicator};
 }
 
 bool monthPassesPeriod(int month, int periodEntry) {

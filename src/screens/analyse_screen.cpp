@@ -135,7 +135,8 @@ core::ResultsTable testsTable(std::string title, const statistics::ReportLabels&
 } // namespace
 
 AnalyseScreen::AnalyseScreen(core::ProgramState& state)
-    : startDateText(state.globalSDate), endDateText(state.globalEDate), state_(state) {
+    : startDateText(core::formatDate(state.globalSDate)),
+      endDateText(core::formatDate(state.globalEDate)), state_(state) {
     showDays();
 }
 
@@ -241,25 +242,11 @@ AnalyseScreen::runRefusal(const std::optional<series::SimulationDescription>& de
             return refusal;
         }
     }
+    // A delta run takes the periods of the selection screen, which are dates.
     if (!deltaCheck) {
         if (auto refusal =
                 analysisDatesRefusal(startDateText.text, endDateText.text, std::nullopt)) {
             return refusal;
-        }
-    } else {
-        const core::StatisticParameters& p = state_.statisticParameters;
-        const std::pair<const char*, const core::DatePeriod*> periods[] = {
-            {"Base", &p.basePeriod},
-            {"Period A", &p.periodA},
-            {"Period B", &p.periodB},
-            {"Period C", &p.periodC}};
-        for (const auto& [name, period] : periods) {
-            if (!core::parseDate(period->start)) {
-                return std::string(name) + " start date is invalid.";
-            }
-            if (!core::parseDate(period->end)) {
-                return std::string(name) + " end date is invalid.";
-            }
         }
     }
     int flagged = 0;
@@ -286,18 +273,18 @@ AnalyseScreen::buildRequest(const std::optional<series::SimulationDescription>& 
     } else {
         request.source.memberCount = 1;
         request.source.calendar = core::calendarInForce(state_);
-        request.source.recordStart = dateOf(state_.globalSDate);
+        request.source.recordStart = state_.globalSDate;
     }
     request.settings = statistics::engineSettingsFrom(state_);
     request.deltas = deltaCheck;
     const core::StatisticParameters& p = state_.statisticParameters;
     if (deltaCheck) {
-        request.start = dateOf(p.basePeriod.start);
-        request.end = dateOf(p.basePeriod.end);
+        request.start = p.basePeriod.start;
+        request.end = p.basePeriod.end;
         const core::DatePeriod* periods[] = {&p.periodA, &p.periodB, &p.periodC};
         for (size_t i = 0; i < 3; ++i) {
-            request.periodStart[i] = dateOf(periods[i]->start);
-            request.periodEnd[i] = dateOf(periods[i]->end);
+            request.periodStart[i] = periods[i]->start;
+            request.periodEnd[i] = periods[i]->end;
         }
         request.deltaKind =
             p.deltaKind == 2 ? statistics::AbsoluteDelta : statistics::PercentageDelta;

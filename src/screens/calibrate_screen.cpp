@@ -76,9 +76,9 @@ void CalibrateScreen::clearResults() {
 }
 
 void CalibrateScreen::refreshGlobals() {
-    fsDate.reset(state_.globalSDate);
-    feDate.reset(state_.globalEDate);
-    noOfDays = std::to_string(state_.globalDays);
+    fsDate.reset(core::formatDate(state_.globalSDate));
+    feDate.reset(core::formatDate(state_.globalEDate));
+    noOfDays = std::to_string(core::globalDays(state_));
 }
 
 void CalibrateScreen::cleanup() {

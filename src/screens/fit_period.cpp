@@ -21,8 +21,7 @@ std::optional<std::string> fitStartRefusal(const std::string& startText, const s
     if (endsBeforeStart(startText, endText)) {
         return "End date must be later than start date.";
     }
-    const auto recordStart = core::parseDate(state.globalSDate);
-    if (recordStart && core::dayDifference(*recordStart, *start) < 0) {
+    if (core::dayDifference(state.globalSDate, *start) < 0) {
         return "Fit start date must be later than record start date.";
     }
     return std::nullopt;
@@ -37,8 +36,7 @@ std::optional<std::string> fitEndRefusal(const std::string& startText, const std
     if (endsBeforeStart(startText, endText)) {
         return "End date must be later than start date.";
     }
-    const auto recordEnd = core::parseDate(state.globalEDate);
-    if (recordEnd && core::dayDifference(*end, *recordEnd) < 0) {
+    if (core::dayDifference(*end, state.globalEDate) < 0) {
         return "Fit end date must be earlier than record end date.";
     }
     return std::nullopt;

@@ -59,8 +59,8 @@ void ScreenVarsScreen::reset() {
     predictandPath.clear();
     setPredictorFolder(state_.defaultDir);
     refreshGlobals();
-    fsDate.reset(state_.globalSDate);
-    feDate.reset(state_.globalEDate);
+    fsDate.reset(core::formatDate(state_.globalSDate));
+    feDate.reset(core::formatDate(state_.globalEDate));
     datesCombo = 0;
     parmOpt = Unconditional;
     autoRegressionTick = false;
@@ -70,8 +70,8 @@ void ScreenVarsScreen::reset() {
 }
 
 void ScreenVarsScreen::refreshGlobals() {
-    sDate = state_.globalSDate;
-    eDate = state_.globalEDate;
+    sDate = core::formatDate(state_.globalSDate);
+    eDate = core::formatDate(state_.globalEDate);
 }
 
 void ScreenVarsScreen::clearResults() {

@@ -1,15 +1,12 @@
 #include "screens/settings_screens.hpp"
 
 #include "core/dates.hpp"
-#include "core/ini_file.hpp"
 #include "core/number_format.hpp"
 #include "core/numeric_text.hpp"
 #include "core/series_file.hpp"
 #include "core/settings.hpp"
 
-#include <functional>
 #include <optional>
-#include <vector>
 
 namespace varo::screens {
 
@@ -19,76 +16,40 @@ const char* const MonthNames[12] = {"January",   "February", "March",    "April"
                                     "May",       "June",     "July",     "August",
                                     "September", "October",  "November", "December"};
 
-// A key a screen loads: its unusable-value message and what a usable value does.
-struct LoadedKey {
-    std::string_view key;
-    std::string_view message;
-    std::function<bool(const std::string&)> use;
-};
+// A field that holds a settings key: checked by the key's check, and on passing put in
+// force with the key's couplings.
+bool checkKeyField(Dialogs& dialogs, core::ProgramState& state, TextField& field,
+                   std::string_view name) {
+    const core::SettingKey& key = core::settingKey(name);
+    const bool ok = field.check(
+        dialogs, [&](const std::string& text) { return key.refusal(key.name, state, text); });
+    if (ok) {
+        key.set(state, field.text);
+    }
+    return ok;
+}
 
-// Loads the keys in order from the settings file, one box for each key that cannot be
-// used. When the first key is absent altogether nothing is loaded.
-void loadKeys(Dialogs& dialogs, const std::string& path, const std::vector<LoadedKey>& keys) {
-    for (size_t i = 0; i < keys.size(); ++i) {
-        const std::string value = core::readSetting(path, keys[i].key);
-        if (i == 0 && value == core::MissingText) {
-            dialogs.error("Sorry - unable to load data from " + path + ".");
-            return;
-        }
-        if (value == core::MissingText || !keys[i].use(value)) {
-            dialogs.error(std::string(keys[i].message) + path + ".");
-        }
+void loadKeys(Dialogs& dialogs, core::ProgramState& state, core::SettingScreen screen) {
+    for (const std::string& refusal : core::loadScreenSettings(state, screen)) {
+        dialogs.error(refusal);
     }
 }
 
-// Writes the keys in order; only the first write is tested, as a partial save can only
-// follow a first write that worked.
-bool saveKeys(const core::ProgramState& state, const std::vector<std::string_view>& keys) {
-    bool firstWritten = true;
-    for (size_t i = 0; i < keys.size(); ++i) {
-        const bool written =
-            core::writeProfileString(state.settingsFile, core::SettingsSection, keys[i],
-                                     core::writtenSettingValue(state, keys[i]));
-        if (i == 0) {
-            firstWritten = written;
-        }
-    }
-    return firstWritten;
-}
-
-// The reason a save failed, as a line to follow its message, when there is one to tell.
-std::string whyNotSaved(const std::string& path) {
-    const auto problem = core::settingsFileProblem(path);
-    return problem ? "\r\n" + *problem : std::string();
-}
-
-std::optional<bool> trueOrFalse(const std::string& value) {
-    if (core::textStartsTrue(value)) {
-        return true;
-    }
-    if (core::textStartsFalse(value)) {
+// A screen's Save: only the first write is tested, as a partial save can only follow a
+// first write that worked. A failure names the file, says where to look and, where it can
+// tell, why.
+bool saveKeys(Dialogs& dialogs, const core::ProgramState& state, core::SettingScreen screen,
+              std::string_view whereToLook, std::string_view whatWasSaved) {
+    const std::string& path = state.settingsFile;
+    if (!core::writeSettings(state, core::keysSavedBy(screen)).first) {
+        const auto problem = core::settingsFileProblem(path);
+        dialogs.error("Sorry, unable to save data to " + path + ".\r\n" + std::string(whereToLook) +
+                      (problem ? "\r\n" + *problem : std::string()));
         return false;
     }
-    return std::nullopt;
-}
-
-bool useBoolean(const std::string& value, bool& field) {
-    const auto flag = trueOrFalse(value);
-    if (flag) {
-        field = *flag;
-    }
-    return flag.has_value();
-}
-
-std::optional<double> numberIn(const std::string& text, double low, double high) {
-    if (!core::isNumeric(text)) {
-        return std::nullopt;
-    }
-    const double value = core::leadingNumber(text);
-    if (value < low || value > high) {
-        return std::nullopt;
-    }
-    return value;
+    dialogs.message("Settings Saved", std::string(whatWasSaved) + " saved to " + path + ".",
+                    Icon::Information);
+    return true;
 }
 
 } // namespace
@@ -101,8 +62,8 @@ SettingsScreen::SettingsScreen(core::ProgramState& state) : state_(state) {
 }
 
 void SettingsScreen::showState() {
-    sDateText.reset(state_.globalSDate);
-    eDateText.reset(state_.globalEDate);
+    sDateText.reset(core::formatDate(state_.globalSDate));
+    eDateText.reset(core::formatDate(state_.globalEDate));
     rainThreshText.reset(core::generalTextSingle(state_.thresh));
     missingCodeText.reset(core::generalText(state_.globalMissingCode));
     yearDays = state_.yearIndicator == 365 ? 1 : state_.yearIndicator == 360 ? 2 : 0;
@@ -112,47 +73,20 @@ void SettingsScreen::showState() {
 }
 
 bool SettingsScreen::checkMissingCode(Dialogs& dialogs) {
-    const bool ok =
-        missingCodeText.check(dialogs, [](const std::string& text) -> std::optional<std::string> {
-            if (!core::isNumeric(text)) {
-                return "Missing data identifier must be a number.";
-            }
-            return std::nullopt;
-        });
-    if (ok) {
-        state_.globalMissingCode = core::leadingNumber(missingCodeText.text);
-    }
-    return ok;
+    return checkKeyField(dialogs, state_, missingCodeText, "GlobalMissingCode");
 }
 
 bool SettingsScreen::checkDate(Dialogs& dialogs, TextField& field, bool isStart) {
-    const auto date = core::parseDate(field.text);
-    if (!date) {
-        dialogs.error(isStart ? "Start date is invalid - it must be in the format dd/mm/yyyy."
-                              : "End date is invalid - it must be in the format dd/mm/yyyy.");
-        field.text = field.lastGood;
-        return false;
-    }
-    const auto other = core::parseDate(isStart ? eDateText.text : sDateText.text);
-    if (!other) {
-        field.lastGood = field.text;
-        return true;
-    }
-    const long gap =
-        isStart ? core::dayDifference(*date, *other) : core::dayDifference(*other, *date);
-    bool ok = true;
-    if (gap < 1) {
-        dialogs.error(isStart ? "Start date should be earlier than end date."
-                              : "End date should be later than start date.");
-        field.text = field.lastGood;
-        ok = false;
-    } else {
-        field.lastGood = field.text;
-    }
-    // Whatever now stands in the field goes into the state, the restored text included.
-    if (const auto shown = core::parseDate(field.text)) {
-        (isStart ? state_.globalSDate : state_.globalEDate) = core::formatDate(*shown);
-        core::recalculateGlobalDays(state_);
+    const std::string& other = isStart ? eDateText.text : sDateText.text;
+    const bool bothDates = core::parseDate(field.text) && core::parseDate(other);
+    const bool ok = field.check(dialogs, [&](const std::string& text) {
+        return core::standardDateRefusal(text, other, isStart);
+    });
+    // When both were dates, whatever now stands in the field goes into the state, the
+    // restored text included.
+    const auto shown = core::parseDate(field.text);
+    if (bothDates && shown) {
+        (isStart ? state_.globalSDate : state_.globalEDate) = *shown;
     }
     return ok;
 }
@@ -165,26 +99,12 @@ bool SettingsScreen::checkEndDate(Dialogs& dialogs) {
 }
 
 bool SettingsScreen::checkThreshold(Dialogs& dialogs) {
-    const bool ok =
-        rainThreshText.check(dialogs, [](const std::string& text) -> std::optional<std::string> {
-            if (!core::isNumeric(text)) {
-                return "Threshold must be a value.";
-            }
-            const double value = core::leadingNumber(text);
-            if (value < 0.0 || value > 1000.0) {
-                return "Threshold must be positive and less than 1000.";
-            }
-            return std::nullopt;
-        });
-    if (ok) {
-        state_.thresh = static_cast<float>(core::leadingNumber(rainThreshText.text));
-    }
-    return ok;
+    return checkKeyField(dialogs, state_, rainThreshText, "Thresh");
 }
 
 void SettingsScreen::selectYearDays(int index) {
     yearDays = index;
-    core::setYearIndicator(state_, index == 1 ? 365 : index == 2 ? 360 : 366);
+    state_.yearIndicator = static_cast<std::int16_t>(index == 1 ? 365 : index == 2 ? 360 : 366);
 }
 
 void SettingsScreen::setAllowNeg(bool ticked) {
@@ -198,9 +118,8 @@ void SettingsScreen::setRandomSeed(bool ticked) {
 }
 
 void SettingsScreen::setDefaultDir(const std::string& folder) {
-    // Kept absolute, so that the saved folder means the same from any working folder.
-    defaultDir = core::absolutePath(folder);
-    state_.defaultDir = defaultDir;
+    core::settingKey("DefaultDir").set(state_, folder);
+    defaultDir = state_.defaultDir;
 }
 
 bool SettingsScreen::apply(Dialogs& dialogs) {
@@ -213,12 +132,11 @@ bool SettingsScreen::apply(Dialogs& dialogs) {
 }
 
 void SettingsScreen::reset() {
-    core::setYearIndicator(state_, 366);
+    state_.yearIndicator = 366;
     state_.thresh = 0.0f;
     state_.globalMissingCode = -999.0;
-    state_.globalSDate = "01/01/1961";
-    state_.globalEDate = "31/12/1990";
-    state_.globalDays = 10957;
+    state_.globalSDate = {1, 1, 1961};
+    state_.globalEDate = {31, 12, 1990};
     state_.allowNeg = true;
     state_.randomSeed = true;
     state_.defaultDir = state_.defaultDirInitial;
@@ -226,75 +144,14 @@ void SettingsScreen::reset() {
 }
 
 void SettingsScreen::load(Dialogs& dialogs) {
-    core::ProgramState& s = state_;
-    loadKeys(dialogs, s.settingsFile,
-             {{"YearIndicator", "Sorry - unable to load year indicator data from ",
-               [&s](const std::string& v) {
-                   const auto year = numberIn(v, 360, 366);
-                   const long long rounded = year ? core::roundHalfEven(*year) : 0;
-                   if (rounded != 360 && rounded != 365 && rounded != 366) {
-                       return false;
-                   }
-                   core::setYearIndicator(s, static_cast<int>(rounded));
-                   return true;
-               }},
-              {"GlobalSDate", "Sorry - unable to load start date from ",
-               [&s](const std::string& v) {
-                   const auto date = core::parseDate(v);
-                   if (date) {
-                       s.globalSDate = core::formatDate(*date);
-                       core::recalculateGlobalDays(s);
-                   }
-                   return date.has_value();
-               }},
-              {"GlobalEDate", "Sorry - unable to load end date from ",
-               [&s](const std::string& v) {
-                   const auto date = core::parseDate(v);
-                   if (date) {
-                       s.globalEDate = core::formatDate(*date);
-                       core::recalculateGlobalDays(s);
-                   }
-                   return date.has_value();
-               }},
-              {"AllowNeg", "Sorry - unable to load 'Allow Negative' indicator from ",
-               [&s](const std::string& v) { return useBoolean(v, s.allowNeg); }},
-              {"RandomSeed", "Sorry - unable to load 'Random Seed' indicator from ",
-               [&s](const std::string& v) { return useBoolean(v, s.randomSeed); }},
-              {"Thresh", "Sorry - unable to load threshold value from ",
-               [&s](const std::string& v) {
-                   if (!core::isNumeric(v)) {
-                       return false;
-                   }
-                   s.thresh = static_cast<float>(core::leadingNumber(v));
-                   return true;
-               }},
-              {"DefaultDir", "Sorry - unable to load default directory from ",
-               [&s](const std::string& v) {
-                   s.defaultDir = v;
-                   return true;
-               }},
-              {"GlobalMissingCode", "Sorry - unable to load 'Missing Data Identifier' from ",
-               [&s](const std::string& v) {
-                   if (!core::isNumeric(v)) {
-                       return false;
-                   }
-                   s.globalMissingCode = core::leadingNumber(v);
-                   return true;
-               }}});
+    loadKeys(dialogs, state_, core::SettingScreen::Settings);
     showState();
 }
 
 bool SettingsScreen::save(Dialogs& dialogs) {
     apply(dialogs);
-    if (!saveKeys(state_, core::SettingsScreenKeys)) {
-        dialogs.error("Sorry, unable to save data to " + state_.settingsFile + ".\r\n" +
-                      "Please check file name and path in advanced settings." +
-                      whyNotSaved(state_.settingsFile));
-        return false;
-    }
-    dialogs.message("Settings Saved", "Settings saved to " + state_.settingsFile + ".",
-                    Icon::Information);
-    return true;
+    return saveKeys(dialogs, state_, core::SettingScreen::Settings,
+                    "Please check file name and path in advanced settings.", "Settings");
 }
 
 // ---------------------------------------------------------------------------------------
@@ -313,62 +170,27 @@ void AdvSettingsScreen::showState() {
         zomText[m].reset(core::generalTextSingle(state_.monthModification[m]));
     }
     conditionalOption = state_.conditionalSelection == 2 ? 1 : 0;
-    const float code = state_.modelTransformation;
-    transOption = code >= 1.0f && code <= 5.0f && code == static_cast<float>(static_cast<int>(code))
-                      ? static_cast<int>(code) - 1
-                      : -1;
+    const auto code = state_.modelTransformation.code();
+    transOption = code ? core::transformationOption(*code) : -1;
     optimisationOption = state_.optimisationChoice == 2 ? 1 : 0;
     stepwiseCheck = state_.applyStepwise;
     aicOption = state_.aicWanted ? 0 : 1;
 }
 
 bool AdvSettingsScreen::checkBias(Dialogs& dialogs) {
-    const bool ok =
-        biasText.check(dialogs, [](const std::string& text) -> std::optional<std::string> {
-            if (!core::isNumeric(text)) {
-                return "Bias correction must be a value less than two.";
-            }
-            const double value = core::leadingNumber(text);
-            if (value >= 2.0 || value <= 0.0) {
-                return "Bias correction must be positive and less than two.";
-            }
-            return std::nullopt;
-        });
-    if (ok) {
-        state_.biasCorrection = static_cast<float>(core::leadingNumber(biasText.text));
-    }
-    return ok;
+    return checkKeyField(dialogs, state_, biasText, "BiasCorrection");
 }
 
 bool AdvSettingsScreen::checkPrecRnd(Dialogs& dialogs) {
-    const bool ok =
-        precRndText.check(dialogs, [](const std::string& text) -> std::optional<std::string> {
-            if (!numberIn(text, 0.0, 100.0)) {
-                return "Random number size must be a value between 0 and 100.";
-            }
-            return std::nullopt;
-        });
+    const bool ok = checkKeyField(dialogs, state_, precRndText, "PrecN");
     if (ok) {
-        state_.precN =
-            static_cast<std::int16_t>(core::roundHalfEven(core::leadingNumber(precRndText.text)));
         precRndText.reset(std::to_string(state_.precN));
     }
     return ok;
 }
 
 bool AdvSettingsScreen::checkConditionalThresh(Dialogs& dialogs) {
-    const bool ok = conditionalThreshText.check(
-        dialogs, [](const std::string& text) -> std::optional<std::string> {
-            if (!numberIn(text, 0.05, 0.95)) {
-                return "Conditional threshold must be a value between 0.05 and 0.95.";
-            }
-            return std::nullopt;
-        });
-    if (ok) {
-        state_.conditionalThresh =
-            static_cast<float>(core::leadingNumber(conditionalThreshText.text));
-    }
-    return ok;
+    return checkKeyField(dialogs, state_, conditionalThreshText, "ConditionalThresh");
 }
 
 bool AdvSettingsScreen::checkMonthModification(Dialogs& dialogs, int monthIndex) {
@@ -377,7 +199,8 @@ bool AdvSettingsScreen::checkMonthModification(Dialogs& dialogs, int monthIndex)
                                 " must be between 0 and 100.";
     const bool ok =
         field.check(dialogs, [&message](const std::string& text) -> std::optional<std::string> {
-            if (!numberIn(text, 0.0, 100.0)) {
+            const double value = core::leadingNumber(text);
+            if (!core::isNumeric(text) || value < 0.0 || value > 100.0) {
                 return message;
             }
             return std::nullopt;
@@ -391,9 +214,7 @@ bool AdvSettingsScreen::checkMonthModification(Dialogs& dialogs, int monthIndex)
 
 void AdvSettingsScreen::setSettingsFile(const std::string& path) {
     settingsFileText = core::absolutePath(path);
-    if (!path.empty()) {
-        state_.settingsFile = settingsFileText;
-    }
+    core::settingKey("INIFile").set(state_, path);
 }
 
 void AdvSettingsScreen::selectConditional(int index) {
@@ -402,27 +223,20 @@ void AdvSettingsScreen::selectConditional(int index) {
 }
 
 void AdvSettingsScreen::selectOptimisation(int index) {
+    core::chooseOptimisation(state_, index + 1);
     optimisationOption = index;
-    state_.optimisationChoice = static_cast<std::int16_t>(index + 1);
-    if (index == 1) {
-        stepwiseCheck = false;
-        state_.applyStepwise = false;
-    }
+    stepwiseCheck = state_.applyStepwise;
 }
 
 void AdvSettingsScreen::selectTransformation(int index) {
     transOption = index;
-    state_.modelTransformation = static_cast<float>(index + 1);
+    state_.modelTransformation = core::transformationOfOption(index);
 }
 
 void AdvSettingsScreen::setStepwise(bool ticked) {
+    core::chooseStepwise(state_, ticked);
     stepwiseCheck = ticked;
-    state_.applyStepwise = ticked;
-    if (ticked) {
-        // Stepwise regression needs ordinary least squares.
-        optimisationOption = 0;
-        state_.optimisationChoice = 1;
-    }
+    optimisationOption = state_.optimisationChoice == 2 ? 1 : 0;
 }
 
 void AdvSettingsScreen::selectAic(int index) {
@@ -445,7 +259,7 @@ void AdvSettingsScreen::reset() {
     state_.precN = state_.precNDefault;
     state_.biasCorrection = 1.0f;
     state_.settingsFile = state_.defaultSettingsFile;
-    state_.modelTransformation = 1.0f;
+    state_.modelTransformation = core::TransformNone;
     state_.conditionalSelection = 1;
     state_.applyStepwise = false;
     state_.monthModification.fill(0.0f);
@@ -460,93 +274,14 @@ void AdvSettingsScreen::reset() {
 }
 
 void AdvSettingsScreen::load(Dialogs& dialogs) {
-    core::ProgramState& s = state_;
-    loadKeys(dialogs, s.settingsFile,
-             {{"PrecN", "Sorry - unable to load variance inflator value from ",
-               [&s](const std::string& v) {
-                   if (!core::isNumeric(v)) {
-                       return false;
-                   }
-                   s.precN = static_cast<std::int16_t>(core::roundHalfEven(core::leadingNumber(v)));
-                   return true;
-               }},
-              {"INIFile", "Sorry - unable to load settings file name from ",
-               [&s](const std::string& v) {
-                   if (v.empty()) {
-                       return false;
-                   }
-                   s.settingsFile = v;
-                   return true;
-               }},
-              {"BiasCorrection", "Sorry - unable to load unconditional bias correction value from ",
-               [&s](const std::string& v) {
-                   if (!core::isNumeric(v)) {
-                       return false;
-                   }
-                   s.biasCorrection = static_cast<float>(core::leadingNumber(v));
-                   return true;
-               }},
-              {"ModelTransformation", "Sorry - unable to load model transformation value from ",
-               [&s](const std::string& v) {
-                   if (!core::isNumeric(v)) {
-                       return false;
-                   }
-                   s.modelTransformation = static_cast<float>(core::leadingNumber(v));
-                   return true;
-               }},
-              {"OptimisationChoice", "Sorry - unable to load model optimisation option from ",
-               [&s](const std::string& v) {
-                   const auto choice = numberIn(v, 1, 2);
-                   if (!choice || (*choice != 1.0 && *choice != 2.0)) {
-                       return false;
-                   }
-                   s.optimisationChoice = static_cast<std::int16_t>(*choice);
-                   return true;
-               }},
-              {"ApplyStepwise", "Sorry - unable to load stepwise indicator value from ",
-               [&s](const std::string& v) {
-                   if (!useBoolean(v, s.applyStepwise)) {
-                       return false;
-                   }
-                   if (s.applyStepwise) {
-                       s.optimisationChoice = 1;
-                   }
-                   return true;
-               }},
-              {"AICWanted", "Sorry - unable to load AIC/BIC indicator value from ",
-               [&s](const std::string& v) { return useBoolean(v, s.aicWanted); }},
-              {"ConditionalSelection", "Sorry - unable to load conditional selection option from ",
-               [&s](const std::string& v) {
-                   const auto choice = numberIn(v, 1, 2);
-                   if (!choice || (*choice != 1.0 && *choice != 2.0)) {
-                       return false;
-                   }
-                   s.conditionalSelection = static_cast<std::int16_t>(*choice);
-                   return true;
-               }},
-              {"ConditionalThresh", "Sorry - unable to load conditional threshold value from ",
-               [&s](const std::string& v) {
-                   // Not range-tested here, unlike the load at start.
-                   if (!core::isNumeric(v)) {
-                       return false;
-                   }
-                   s.conditionalThresh = static_cast<float>(core::leadingNumber(v));
-                   return true;
-               }}});
+    loadKeys(dialogs, state_, core::SettingScreen::AdvSettings);
     showState();
 }
 
 bool AdvSettingsScreen::save(Dialogs& dialogs) {
     apply(dialogs);
-    if (!saveKeys(state_, core::AdvSettingsScreenKeys)) {
-        dialogs.error("Sorry, unable to save data to " + state_.settingsFile + ".\r\n" +
-                      "Please check file name and path of settings file." +
-                      whyNotSaved(state_.settingsFile));
-        return false;
-    }
-    dialogs.message("Settings Saved", "Advanced settings saved to " + state_.settingsFile + ".",
-                    Icon::Information);
-    return true;
+    return saveKeys(dialogs, state_, core::SettingScreen::AdvSettings,
+                    "Please check file name and path of settings file.", "Advanced settings");
 }
 
 } // namespace varo::screens

@@ -83,9 +83,18 @@ std::optional<std::string> periodCheck(const PeriodWords& words, const std::stri
     return std::nullopt;
 }
 
-std::string dateText(const TextField& field) {
-    const auto date = core::parseDate(field.lastGood);
-    return date ? core::formatDate(*date) : field.lastGood;
+// A period date as its field last held one that passed, the stored date otherwise.
+core::Date dateOf(const TextField& field, const core::Date& stored) {
+    return core::parseDate(field.lastGood).value_or(stored);
+}
+
+void showPeriod(TextField& start, TextField& end, const core::DatePeriod& period) {
+    start.reset(core::formatDate(period.start));
+    end.reset(core::formatDate(period.end));
+}
+
+void keepPeriod(core::DatePeriod& period, const TextField& start, const TextField& end) {
+    period = {dateOf(start, period.start), dateOf(end, period.end)};
 }
 
 } // namespace
@@ -95,14 +104,10 @@ StatsSelectScreen::StatsSelectScreen(core::ProgramState& state) : state_(state) 
         check1[i] = core::statisticSelected(state_, i);
     }
     const core::StatisticParameters& p = state_.statisticParameters;
-    baseStartText.reset(p.basePeriod.start);
-    baseEndText.reset(p.basePeriod.end);
-    periodAStartText.reset(p.periodA.start);
-    periodAEndText.reset(p.periodA.end);
-    periodBStartText.reset(p.periodB.start);
-    periodBEndText.reset(p.periodB.end);
-    periodCStartText.reset(p.periodC.start);
-    periodCEndText.reset(p.periodC.end);
+    showPeriod(baseStartText, baseEndText, p.basePeriod);
+    showPeriod(periodAStartText, periodAEndText, p.periodA);
+    showPeriod(periodBStartText, periodBEndText, p.periodB);
+    showPeriod(periodCStartText, periodCEndText, p.periodC);
     deltaOption = p.deltaKind == 2 ? 1 : 0;
     addPercentText.reset(core::generalTextSingle(p.percentile));
     precPotText.reset(core::generalTextSingle(p.potPercentile));
@@ -200,13 +205,13 @@ bool StatsSelectScreen::checkEnd(Dialogs& dialogs, Period period) {
 
 void StatsSelectScreen::leave() {
     for (int i = 1; i <= BoxCount; ++i) {
-        state_.statisticTable.at(static_cast<size_t>(i - 1)).flag.assign(1, check1[i] ? 'Y' : 'N');
+        state_.statisticTable.at(static_cast<size_t>(i - 1)).selected = check1[i];
     }
     core::StatisticParameters& p = state_.statisticParameters;
-    p.basePeriod = {dateText(baseStartText), dateText(baseEndText)};
-    p.periodA = {dateText(periodAStartText), dateText(periodAEndText)};
-    p.periodB = {dateText(periodBStartText), dateText(periodBEndText)};
-    p.periodC = {dateText(periodCStartText), dateText(periodCEndText)};
+    keepPeriod(p.basePeriod, baseStartText, baseEndText);
+    keepPeriod(p.periodA, periodAStartText, periodAEndText);
+    keepPeriod(p.periodB, periodBStartText, periodBEndText);
+    keepPeriod(p.periodC, periodCStartText, periodCEndText);
     p.deltaKind = static_cast<std::int16_t>(deltaOption == 1 ? 2 : 1);
     p.percentile = static_cast<float>(core::leadingNumber(addPercentText.lastGood));
     p.potPercentile = static_cast<float>(core::leadingNumber(precPotText.lastGood));

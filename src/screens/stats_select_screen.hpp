@@ -62,7 +62,7 @@ public:
     TextField& startText(Period period);
     TextField& endText(Period period);
 
-    // Leaving the screen: the flags ("Y" ticked, "N" not), the dates, the delta kind and
+    // Leaving the screen: the ticks as the statistics selected, the dates, the delta kind and
     // the parameters, each field's last good value, go into the program state.
     void leave();
 

@@ -60,7 +60,7 @@ void SynthesizeScreen::reset() {
     noOfPredText = std::string("0");
     rStartText = std::string(Unknown);
     rLengthText = std::string(Unknown);
-    fStartText.reset(state_.globalSDate);
+    fStartText.reset(core::formatDate(state_.globalSDate));
     fLengthText.reset(std::string(DefaultLength));
     eSize.reset(std::string(DefaultEnsemble));
     predictorFolder = state_.defaultDir;
@@ -70,7 +70,7 @@ void SynthesizeScreen::reset() {
 }
 
 void SynthesizeScreen::refreshGlobals() {
-    fStartText.reset(state_.globalSDate);
+    fStartText.reset(core::formatDate(state_.globalSDate));
 }
 
 void SynthesizeScreen::cleanup() {
@@ -146,7 +146,7 @@ bool SynthesizeScreen::checkFitStart(Dialogs& dialogs) {
     const auto fitStart = core::parseDate(fStartText.text);
     if (!fitStart) {
         dialogs.error("Fit start date is invalid - it must be in the format dd/mm/yyyy.");
-        fStartText.reset(state_.globalSDate);
+        fStartText.reset(core::formatDate(state_.globalSDate));
         return false;
     }
     const auto recordStart = core::parseDate(rStartText);

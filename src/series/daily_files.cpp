@@ -8,12 +8,7 @@ namespace varo::series {
 
 RecordPeriod settingsPeriod(const core::ProgramState& state, const core::Date& start,
                             const core::Date& end) {
-    const auto recordStart = core::parseDate(state.globalSDate);
-    if (!recordStart) {
-        throw core::Failure(core::failure::TypeMismatch,
-                            "The record start date '" + state.globalSDate + "' is not a date.");
-    }
-    return {core::calendarInForce(state), *recordStart, start, end,
+    return {core::calendarInForce(state), state.globalSDate, start, end,
             core::settingsDatesInUse(state, start, end)};
 }
 

@@ -47,7 +47,7 @@ inline constexpr int MedWet = 29;
 inline constexpr int MedDry = 30;
 } // namespace column
 
-// Which statistics are flagged "Y", indexed by column; index 0 is unused.
+// Which statistics are selected, indexed by column; index 0 is unused.
 using Selection = std::array<bool, StatisticCount + 1>;
 
 // A results table: calendar rows 1 to 17 by statistic columns 1 to 30; index 0 unused.

@@ -78,7 +78,7 @@ TEST(CalibrateGolden, UnconditionalAnnualWithTwoPredictors) {
 
 TEST(CalibrateGolden, MonthlyConditionalBoxCox) {
     auto state = sixYearState();
-    state.modelTransformation = 5.0f;
+    state.modelTransformation = varo::core::TransformBoxCox;
     Calibrator run;
     const CalibrationResults results = run(state, request(ModelType::Monthly, true));
     for (int m = 1; m <= 12; ++m) {
@@ -91,7 +91,7 @@ TEST(CalibrateGolden, MonthlyConditionalBoxCox) {
 
 TEST(CalibrateGolden, SeasonalConditionalInverseNormalRepeatsSeasonRows) {
     auto state = sixYearState();
-    state.modelTransformation = 4.0f;
+    state.modelTransformation = varo::core::TransformInverseNormal;
     Calibrator run;
     const CalibrationResults results = run(state, request(ModelType::Seasonal, true));
     // The golden file repeats each season's rows for its months.
@@ -99,7 +99,7 @@ TEST(CalibrateGolden, SeasonalConditionalInverseNormalRepeatsSeasonRows) {
     expectGolden(results.parameters, "seasonal_conditional_inverse_normal.PAR");
 
     // A later run with another transformation writes the mean ratios the screen kept.
-    state.modelTransformation = 2.0f;
+    state.modelTransformation = varo::core::TransformFourthRoot;
     const CalibrationResults later = run(state, request(ModelType::Seasonal, true));
     EXPECT_EQ(later.parameters.amounts[6].meanRatio, run.meanRatio[6]);
 }
@@ -161,7 +161,7 @@ TEST(CalibrateDriver, FileProblemsAreFailuresNamingTheFile) {
     auto state = sixYearState();
     Calibrator run;
     // Record and fit end a year after the files do.
-    state.globalEDate = "31/12/1967";
+    state.globalEDate = {31, 12, 1967};
     auto tooLong = request(ModelType::Annual, false);
     tooLong.data.fitEnd = Date{31, 12, 1967};
     tooLong.data.fitDays = 2191;
@@ -328,9 +328,8 @@ TEST(CalibrateStepwise, LagTermIsTheLastCandidateAndStaysOnlyWhenChosen) {
         {"dropped", {"a.dat", "ylag.dat"}, {"a.dat", "ylag.dat"}, {"a.dat", "ylag.dat"}, false, 7},
     };
     auto state = sixYearState();
-    state.globalSDate = "01/01/1961";
-    state.globalEDate = "30/04/1961";
-    state.globalDays = 120;
+    state.globalSDate = {1, 1, 1961};
+    state.globalEDate = {30, 4, 1961};
     state.applyStepwise = true;
     for (const Case& c : cases) {
         CalibrationRequest r;
@@ -377,7 +376,7 @@ TEST(CalibrateDriver, A360DayRecordEndsWhenThePositionRunsPastTheEndDate) {
     // stops at the position 30 February, which counts as 2 March: 30 + 29 rows are read,
     // one of them (row 406, 10 February 1962 in the file's own calendar) missing.
     auto state = sixYearState();
-    varo::core::setYearIndicator(state, 360);
+    state.yearIndicator = 360;
     Calibrator run;
     const auto results =
         run(state, varo::testing::driverRequest(ModelType::Annual, false, Date{1, 3, 1962}));

@@ -128,9 +128,8 @@ inline const std::string DriverData = std::string(VARO_TEST_DATA) + "/calibratio
 inline core::ProgramState sixYearState() {
     core::ProgramState state;
     core::initialiseState(state);
-    state.globalSDate = "01/01/1961";
-    state.globalEDate = "31/12/1966";
-    state.globalDays = 2191;
+    state.globalSDate = {1, 1, 1961};
+    state.globalEDate = {31, 12, 1966};
     state.thresh = 0.0f;
     return state;
 }

@@ -25,7 +25,7 @@ std::vector<double> reference(const std::string& key) {
 CalibrationResults run(ModelType type, bool conditional, int folds, float transformation,
                        Calibrator& calibrator, varo::core::Date fitEnd = {31, 12, 1966}) {
     auto state = varo::testing::sixYearState();
-    state.modelTransformation = transformation;
+    state.modelTransformation = varo::core::ModelTransformation::fromNumber(transformation);
     auto r = varo::testing::driverRequest(type, conditional, fitEnd);
     r.crossValidationFolds = folds;
     return calibrator(state, r);

@@ -36,7 +36,7 @@ struct ThreeMonths {
             predictand += (noY ? "-999" : std::to_string(d / 10.0)) + "\r\n";
             predictor += (noX ? "-999" : std::to_string(d)) + "\r\n";
         }
-        state.globalSDate = "01/12/1960";
+        state.globalSDate = {1, 12, 1960};
         data.predictandPath = dir.write("rain.dat", predictand);
         data.predictorPaths = {dir.write("mslp.dat", predictor)};
         data.fitStart = {1, 1, 1961};

@@ -23,10 +23,9 @@ bool namesAnotherFile(std::string text) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const varo::fuzz::InputFile input(data, size);
     using varo::core::SettingsSection;
-    for (const auto* keys : {&varo::core::SettingsScreenKeys, &varo::core::AdvSettingsScreenKeys}) {
-        for (std::string_view key : *keys) {
-            varo::core::readProfileString(input.path(), SettingsSection, key, "Missing", 30);
-        }
+    for (const varo::core::SettingKey& key : varo::core::settingsTable()) {
+        varo::core::readProfileString(input.path(), SettingsSection, key.name, "Missing",
+                                      key.buffer);
     }
     // A redirection could name any file of the machine; the bytes alone are read here.
     const std::string text(reinterpret_cast<const char*>(data), size);

@@ -62,8 +62,8 @@ TEST_F(GuiFixture, StatisticsSelectionKeepsEightTicksAndWritesTheStateOnLeaving)
     click("DeltaOption1");
 
     dialog.accept();
-    EXPECT_EQ(state.statisticTable[3].flag, "Y");
-    EXPECT_EQ(state.statisticTable[29].flag, "N");
+    EXPECT_TRUE(state.statisticTable[3].selected);
+    EXPECT_FALSE(state.statisticTable[29].selected);
     EXPECT_EQ(state.statisticParameters.nDayTotal, 10);
     EXPECT_EQ(state.statisticParameters.deltaKind, 2);
 }
@@ -74,14 +74,14 @@ TEST_F(GuiFixture, SummaryStatisticsShowTheTablesOfTheResultsFile) {
     for (auto& entry : state.statisticTable) {
         const bool chosen = entry.name == "Mean" || entry.name == "Variance" ||
                             entry.name == "Count" || entry.name == "ACF";
-        entry.flag = chosen ? "Y" : "N";
+        entry.selected = chosen;
     }
     auto& periods = state.statisticParameters;
     periods.deltaKind = 2;
-    periods.basePeriod = {"01/01/1961", "31/12/1962"};
-    periods.periodA = {"01/01/1963", "31/12/1964"};
-    periods.periodB = {"01/01/1965", "31/12/1966"};
-    periods.periodC = {"01/01/1967", "30/06/1967"};
+    periods.basePeriod = {{1, 1, 1961}, {31, 12, 1962}};
+    periods.periodA = {{1, 1, 1963}, {31, 12, 1964}};
+    periods.periodB = {{1, 1, 1965}, {31, 12, 1966}};
+    periods.periodC = {{1, 1, 1967}, {30, 6, 1967}};
     window->goTo(screens::ScreenKey::AnalyseData);
     dir.write("run.SIM", varo::testing::readFile(data("deltas.SIM")));
     dialogs.pickedFiles = {dir.write("run.OUT", varo::testing::readFile(data("deltas.OUT"))),

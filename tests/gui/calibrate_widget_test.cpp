@@ -24,9 +24,8 @@ const std::string Data = std::string(VARO_TEST_DATA) + "/calibration/driver";
 } // namespace
 
 TEST_F(GuiFixture, CalibrateScreenFitsAModelAndShowsTheReport) {
-    state.globalSDate = "01/01/1961";
-    state.globalEDate = "31/12/1966";
-    state.globalDays = 2191;
+    state.globalSDate = {1, 1, 1961};
+    state.globalEDate = {31, 12, 1966};
     window->goTo(screens::ScreenKey::Calibrate);
     EXPECT_EQ(find<QLabel>("NoOfDays")->text(), "2191");
 
@@ -85,9 +84,8 @@ TEST_F(GuiFixture, CalibrateScreenFitsAModelAndShowsTheReport) {
 // The histogram choice opens the histogram screen over the report with the bars asked for;
 // a later run without a plot closes it.
 TEST_F(GuiFixture, CalibrationWithTheHistogramChoiceOpensTheHistogramScreen) {
-    state.globalSDate = "01/01/1961";
-    state.globalEDate = "31/12/1966";
-    state.globalDays = 2191;
+    state.globalSDate = {1, 1, 1961};
+    state.globalEDate = {31, 12, 1966};
     window->goTo(screens::ScreenKey::Calibrate);
     dialogs.pickedFiles = {Data + "/rain.dat", Data, dir.path("MODEL.PAR")};
     click("PredictandButton");

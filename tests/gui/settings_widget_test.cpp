@@ -31,7 +31,7 @@ TEST_F(GuiFixture, AKeyLeavesTheFocusedEntryFirst) {
     EXPECT_EQ(dialogs.errors(),
               std::vector<std::string>{"End date should be later than start date."});
     EXPECT_EQ(window->currentPage()->objectName(), "Home");
-    EXPECT_EQ(state.globalEDate, "31/12/1990");
+    EXPECT_EQ(core::formatDate(state.globalEDate), "31/12/1990");
 }
 
 TEST_F(GuiFixture, BackStaysOnARefusedEntryAndSaveWritesTheFile) {

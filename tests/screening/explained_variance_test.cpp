@@ -120,7 +120,7 @@ TEST_F(VarianceFixture, TheReportMarksTheBestAndLeavesInsignificantPlacesEmpty) 
 
 TEST_F(VarianceFixture, AMonthOutgrowingItsRowsFails) {
     // 150 years: January holds 150 * 31 days and 150 separators, more than 54787 / 12 + 200.
-    state.globalSDate = "01/01/1850";
+    state.globalSDate = {1, 1, 1850};
     std::vector<double> values(54787, 1.0);
     const auto y = file("y.dat", values);
     auto asked = request(y, {y}, 1, {1, 1, 1850});

@@ -84,7 +84,7 @@ TEST_F(AssemblyFixture, AShortFileFailsNamingIt) {
 }
 
 TEST_F(AssemblyFixture, MoreThan52000RowsOverrunTheArrays) {
-    state.globalSDate = "01/01/1850";
+    state.globalSDate = {1, 1, 1850};
     const auto y = dayNumbers("y.dat", 52001);
     const auto x = dayNumbers("x.dat", 52001);
     EXPECT_TRUE(varo::testing::failsWith(

@@ -161,9 +161,9 @@ TEST_F(AnalyseFixture, FieldChecksOfMemberAndDates) {
 
 TEST_F(AnalyseFixture, RunShowsItsPhasesAndACancelWritesNothing) {
     for (int c : {4, 11, 13, 17}) {
-        state.statisticTable[static_cast<size_t>(c - 1)].flag = "Y";
+        state.statisticTable[static_cast<size_t>(c - 1)].selected = true;
     }
-    state.statisticTable[1].flag = "N"; // eight in all
+    state.statisticTable[1].selected = false; // eight in all
     AnalyseScreen screen = readyScreen();
     screen.startDateText.text = "01/02/1961";
     RecordingProgress recording;
@@ -199,10 +199,10 @@ TEST_F(AnalyseFixture, DeltaRunTakesThePeriodsOfTheSelectionScreen) {
     screen.deltaCheck = true;
     screen.startDateText.text = "not a date"; // not used by a delta run
     auto& p = state.statisticParameters;
-    p.basePeriod = {"01/01/1961", "31/12/1961"};
-    p.periodA = {"01/01/1962", "31/12/1962"};
-    p.periodB = {"01/01/1963", "30/06/1963"};
-    p.periodC = {"01/07/1963", "31/12/1963"};
+    p.basePeriod = {{1, 1, 1961}, {31, 12, 1961}};
+    p.periodA = {{1, 1, 1962}, {31, 12, 1962}};
+    p.periodB = {{1, 1, 1963}, {30, 6, 1963}};
+    p.periodC = {{1, 7, 1963}, {31, 12, 1963}};
     p.deltaKind = 2;
     ASSERT_EQ(screen.run(dialogs, progress), RunOutcome::Done) << dialogs.lastText();
     ASSERT_TRUE(screen.results->delta);
@@ -211,7 +211,7 @@ TEST_F(AnalyseFixture, DeltaRunTakesThePeriodsOfTheSelectionScreen) {
     const std::string text = varo::testing::readFile(screen.saveFileText);
     EXPECT_NE(text.find("DELTA STATISTICS for run.OUT (absolute difference)\r\n"),
               std::string::npos);
-    p.periodA.start = "01/01/1900";
+    p.periodA.start = {1, 1, 1900};
     EXPECT_EQ(refusal(screen),
               "Period A starts on 01/01/1900, before the first day of the data (01/01/1961).");
 }

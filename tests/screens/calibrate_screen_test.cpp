@@ -26,9 +26,8 @@ struct CalibrateFixture : ::testing::Test {
     CountingProgress progress;
     CalibrateFixture() {
         varo::core::initialiseState(state);
-        state.globalSDate = "01/01/1961";
-        state.globalEDate = "31/12/1966";
-        state.globalDays = 2191;
+        state.globalSDate = {1, 1, 1961};
+        state.globalEDate = {31, 12, 1966};
         state.defaultDir = Data;
     }
 
@@ -203,7 +202,7 @@ TEST_F(CalibrateFixture, FailuresShowTheBoxAndWriteNothing) {
 }
 
 TEST_F(CalibrateFixture, ResetKeepsTheMeanRatios) {
-    state.modelTransformation = 4.0f;
+    state.modelTransformation = varo::core::TransformInverseNormal;
     CalibrateScreen screen = filled();
     screen.parmOpt = CalibrateScreen::Conditional;
     screen.modelType = CalibrateScreen::Annual;
@@ -221,8 +220,7 @@ TEST_F(CalibrateFixture, ResetKeepsTheMeanRatios) {
 // kept of the lag term (data and numpy's choice in tests/data/calibration/stepwise_lag).
 TEST_F(CalibrateFixture, StepwiseWithTheLagTermReportsWhatItKept) {
     const std::string lagData = std::string(VARO_TEST_DATA) + "/calibration/stepwise_lag/";
-    state.globalEDate = "30/04/1961";
-    state.globalDays = 120;
+    state.globalEDate = {30, 4, 1961};
     state.applyStepwise = true;
     struct Case {
         std::vector<std::string> predictors;

@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
+
 using namespace varo;
 using varo::testing::readFile;
 using varo::testing::ScriptedDialogs;
@@ -23,20 +25,49 @@ struct SettingsFixture : ::testing::Test {
 };
 } // namespace
 
-TEST_F(SettingsFixture, ThresholdLimitsPassAndTheLastGoodValueReturns) {
-    screens::SettingsScreen screen(state);
-    screen.rainThreshText.text = "1000";
-    EXPECT_TRUE(screen.checkThreshold(dialogs));
-    EXPECT_EQ(state.thresh, 1000.0f);
-    screen.rainThreshText.text = "1000.5";
-    EXPECT_FALSE(screen.checkThreshold(dialogs));
-    EXPECT_EQ(dialogs.lastText(), "Threshold must be positive and less than 1000.");
-    EXPECT_EQ(screen.rainThreshText.text, "1000");
-    screen.rainThreshText.text = "";
-    EXPECT_FALSE(screen.checkThreshold(dialogs));
-    EXPECT_EQ(dialogs.lastText(), "Threshold must be a value.");
-    screen.rainThreshText.text = "0";
-    EXPECT_TRUE(screen.checkThreshold(dialogs));
+// Each entry field that holds a settings key: a value that passes goes into the state, a
+// refused one shows its message and the last good value comes back.
+TEST_F(SettingsFixture, KeyFieldsSetTheStateOrRestoreTheLastGoodValue) {
+    screens::SettingsScreen settings(state);
+    screens::AdvSettingsScreen advanced(state);
+    struct Case {
+        screens::TextField* field;
+        std::function<bool()> check;
+        std::string_view key;
+        std::string good;
+        std::string written; // the key's written form after the good value
+        std::string bad;
+    };
+    const Case cases[] = {
+        {&settings.missingCodeText, [&] { return settings.checkMissingCode(dialogs); },
+         "GlobalMissingCode", "-99", "-99", "x"},
+        {&settings.rainThreshText, [&] { return settings.checkThreshold(dialogs); }, "Thresh",
+         "1000", "1000", "1000.5"},
+        {&settings.sDateText, [&] { return settings.checkStartDate(dialogs); }, "GlobalSDate",
+         "1/1/1971", "01/01/1971", "01/01/1995"},
+        {&settings.eDateText, [&] { return settings.checkEndDate(dialogs); }, "GlobalEDate",
+         "31/12/1980", "31/12/1980", "31/02/1980"},
+        {&advanced.biasText, [&] { return advanced.checkBias(dialogs); }, "BiasCorrection", "1.99",
+         "1.99", "2"},
+        {&advanced.precRndText, [&] { return advanced.checkPrecRnd(dialogs); }, "PrecN", "6.5", "6",
+         "100.5"},
+        {&advanced.conditionalThreshText, [&] { return advanced.checkConditionalThresh(dialogs); },
+         "ConditionalThresh", "0.95", ".95", "0.04"},
+    };
+    for (const Case& c : cases) {
+        c.field->text = c.good;
+        EXPECT_TRUE(c.check()) << c.key;
+        EXPECT_EQ(core::writtenSettingValue(state, c.key), c.written) << c.key;
+        const std::string shown = c.field->text;
+        const size_t boxes = dialogs.errors().size();
+        c.field->text = c.bad;
+        EXPECT_FALSE(c.check()) << c.key;
+        EXPECT_EQ(dialogs.errors().size(), boxes + 1) << c.key;
+        EXPECT_EQ(c.field->text, shown) << c.key;
+        EXPECT_EQ(core::writtenSettingValue(state, c.key), c.written) << c.key;
+    }
+    // The variance inflation shows the integer it became.
+    EXPECT_EQ(advanced.precRndText.text, "6");
 }
 
 TEST_F(SettingsFixture, StartAfterEndRestoresAndStoresTheRestoredDate) {
@@ -45,11 +76,11 @@ TEST_F(SettingsFixture, StartAfterEndRestoresAndStoresTheRestoredDate) {
     EXPECT_FALSE(screen.checkStartDate(dialogs));
     EXPECT_EQ(dialogs.lastText(), "Start date should be earlier than end date.");
     EXPECT_EQ(screen.sDateText.text, "01/01/1961");
-    EXPECT_EQ(state.globalSDate, "01/01/1961");
+    EXPECT_EQ(core::formatDate(state.globalSDate), "01/01/1961");
     screen.sDateText.text = "1/1/1971";
     EXPECT_TRUE(screen.checkStartDate(dialogs));
-    EXPECT_EQ(state.globalSDate, "01/01/1971");
-    EXPECT_EQ(state.globalDays, 7305);
+    EXPECT_EQ(core::formatDate(state.globalSDate), "01/01/1971");
+    EXPECT_EQ(core::globalDays(state), 7305);
     screen.eDateText.text = "31/02/1990";
     EXPECT_FALSE(screen.checkEndDate(dialogs));
     EXPECT_EQ(dialogs.lastText(), "End date is invalid - it must be in the format dd/mm/yyyy.");
@@ -151,40 +182,8 @@ TEST_F(SettingsFixture, SaveIntoAFileThatIsNoSettingsFileSaysWhyAndChangesNothin
     EXPECT_EQ(dialogs.lastText(), "Settings saved to " + state.settingsFile + ".");
 }
 
-TEST_F(SettingsFixture, BiasLimitsAreExclusive) {
+TEST_F(SettingsFixture, ApplyChecksTheMonthProfileByName) {
     screens::AdvSettingsScreen screen(state);
-    for (const char* refused : {"0", "2", "-1"}) {
-        screen.biasText.text = refused;
-        EXPECT_FALSE(screen.checkBias(dialogs)) << refused;
-        EXPECT_EQ(dialogs.lastText(), "Bias correction must be positive and less than two.");
-    }
-    screen.biasText.text = "x";
-    EXPECT_FALSE(screen.checkBias(dialogs));
-    EXPECT_EQ(dialogs.lastText(), "Bias correction must be a value less than two.");
-    screen.biasText.text = "1.99";
-    EXPECT_TRUE(screen.checkBias(dialogs));
-    EXPECT_EQ(state.biasCorrection, 1.99f);
-}
-
-TEST_F(SettingsFixture, VarianceInflationIsRoundedAndWrittenBack) {
-    screens::AdvSettingsScreen screen(state);
-    screen.precRndText.text = "6.5";
-    EXPECT_TRUE(screen.checkPrecRnd(dialogs));
-    EXPECT_EQ(state.precN, 6);
-    EXPECT_EQ(screen.precRndText.text, "6");
-    screen.precRndText.text = "100.5";
-    EXPECT_FALSE(screen.checkPrecRnd(dialogs));
-    EXPECT_EQ(dialogs.lastText(), "Random number size must be a value between 0 and 100.");
-    EXPECT_EQ(screen.precRndText.text, "6");
-}
-
-TEST_F(SettingsFixture, ConditionalThresholdAndMonthProfileChecks) {
-    screens::AdvSettingsScreen screen(state);
-    screen.conditionalThreshText.text = "0.95";
-    EXPECT_TRUE(screen.checkConditionalThresh(dialogs));
-    screen.conditionalThreshText.text = "0.04";
-    EXPECT_FALSE(screen.checkConditionalThresh(dialogs));
-    EXPECT_EQ(dialogs.lastText(), "Conditional threshold must be a value between 0.05 and 0.95.");
     screen.zomText[8].text = "101";
     EXPECT_FALSE(screen.apply(dialogs));
     EXPECT_EQ(dialogs.lastText(), "Modification value for September must be between 0 and 100.");
@@ -227,21 +226,20 @@ TEST_F(SettingsFixture, ResetSelectsDualSimplexAndKeepsTheConditionalThreshold) 
     EXPECT_EQ(screen.zomText[0].text, "0");
 }
 
-TEST_F(SettingsFixture, AdvancedLoadKeepsAnOutOfRangeConditionalThreshold) {
-    dir.write("VARO.INI", "[VARO]\r\nYearIndicator=366\r\nPrecN=8\r\nConditionalThresh=0.99\r\n"
-                          "ModelTransformation=7\r\n");
+// A ModelTransformation that names no transformation is kept and selects no option; an
+// option sets the code of its transformation.
+TEST_F(SettingsFixture, TransformationOptionsFollowTheCode) {
+    dir.write("VARO.INI", "[VARO]\r\nPrecN=8\r\nModelTransformation=7\r\n");
     screens::AdvSettingsScreen screen(state);
     screen.load(dialogs);
-    EXPECT_EQ(state.conditionalThresh, 0.99f);
-    EXPECT_EQ(state.precN, 8);
-    EXPECT_EQ(state.modelTransformation, 7.0f);
     EXPECT_EQ(screen.transOption, -1);
-    // At start the same file gives the range's fallback.
-    core::ProgramState started;
-    core::initialiseState(started);
-    started.settingsFile = state.settingsFile;
-    core::loadStartupSettings(started);
-    EXPECT_EQ(started.conditionalThresh, 0.5f);
+    EXPECT_EQ(screen.precRndText.text, "8");
+    EXPECT_EQ(core::writtenSettingValue(state, "ModelTransformation"), "7");
+    screen.selectTransformation(4);
+    EXPECT_EQ(state.modelTransformation.code(), core::TransformBoxCox);
+    dir.write("VARO.INI", "[VARO]\r\nPrecN=8\r\nModelTransformation=3\r\n");
+    screen.load(dialogs);
+    EXPECT_EQ(screen.transOption, 2);
 }
 
 TEST_F(SettingsFixture, AdvancedSaveWritesNineKeys) {

@@ -119,14 +119,14 @@ TEST_F(StatsSelectFixture, LeavingWritesTheChoicesIntoTheState) {
     screen.checkStart(dialogs, Period::B);
     screen.deltaOption = 1;
     screen.leave();
-    EXPECT_EQ(state.statisticTable[0].flag, "N");
-    EXPECT_EQ(state.statisticTable[12].flag, "Y");
-    EXPECT_EQ(state.statisticTable[1].flag, "Y");
+    EXPECT_FALSE(state.statisticTable[0].selected);
+    EXPECT_TRUE(state.statisticTable[12].selected);
+    EXPECT_TRUE(state.statisticTable[1].selected);
     const auto& p = state.statisticParameters;
     EXPECT_EQ(p.percentile, 99.0f);
     EXPECT_EQ(p.nDayTotal, 2);
     EXPECT_EQ(p.peaksOverThreshold, 0.0f);
-    EXPECT_EQ(p.periodB.start, "01/02/2042");
+    EXPECT_EQ(p.periodB.start, (varo::core::Date{1, 2, 2042}));
     EXPECT_EQ(p.deltaKind, 2);
     // A new visit shows what was left.
     StatsSelectScreen again(state);

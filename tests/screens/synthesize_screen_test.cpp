@@ -108,7 +108,7 @@ TEST_F(SynthesizeFixture, RunChecksComeInTheirOrderAndResetTheirFields) {
     screen.fStartText.text = "31/02/1961";
     expectRefused(screen, "Error Message",
                   "Fit start date is invalid - it must be in the format dd/mm/yyyy.");
-    EXPECT_EQ(screen.fStartText.text, state.globalSDate);
+    EXPECT_EQ(screen.fStartText.text, "01/01/1961");
     expectRefused(screen, "Warning",
                   "Please check that fit start date is later than record start date.");
     screen.rStartText = "01/01/1960";
@@ -173,7 +173,7 @@ TEST_F(SynthesizeFixture, CancelEndsSilentlyWithTheDaysWrittenAndAnEmptySim) {
 
 TEST_F(SynthesizeFixture, ResetPutsEveryFieldBack) {
     screens::SynthesizeScreen screen = readyScreen();
-    state.globalSDate = "01/01/1971";
+    state.globalSDate = {1, 1, 1971};
     screen.eSize.text = "7";
     screen.reset();
     EXPECT_EQ(screen.parFileText, "Not selected");

@@ -117,7 +117,7 @@ TEST_F(SynthesisRun, FixedThresholdRunsAreDeterministicUnderEveryTransformation)
 }
 
 TEST_F(SynthesisRun, StochasticBoxCoxRunFollowsTheOrderOfDraws) {
-    core::setYearIndicator(state, 360);
+    state.yearIndicator = 360;
     state.allowNeg = false;
     state.thresh = 0.1f;
     series::ParameterFile shown;
@@ -160,9 +160,9 @@ TEST_F(SynthesisRun, EachDayUsesTheRowOfItsMonthUnderTheCalendarInForce) {
         return firstDigits;
     };
     EXPECT_EQ(months({28, 2, 1960}, 3), "223");
-    core::setYearIndicator(state, 365);
+    state.yearIndicator = 365;
     EXPECT_EQ(months({28, 2, 1960}, 3), "233");
-    core::setYearIndicator(state, 360);
+    state.yearIndicator = 360;
     EXPECT_EQ(months({28, 2, 1961}, 5), "22233");
     // 31 January is no day of a 360-day year: the first step runs over into February.
     EXPECT_EQ(months({31, 1, 1961}, 2), "22");
@@ -320,7 +320,7 @@ TEST_F(SynthesisRun, InverseNormalSampleProblemsAreReported) {
     EXPECT_TRUE(fails(inverse(parameterFile("inverse.PAR", "@DATA@/inv_obs.dat", dryObs)),
                       core::failure::TypeMismatch, "no value above the threshold"));
     // A fit start that a 360-day walk never meets.
-    core::setYearIndicator(state, 360);
+    state.yearIndicator = 360;
     EXPECT_TRUE(fails(inverse(parameterFile("inverse.PAR", "01/03/1961", "31/03/1961")),
                       core::failure::TypeMismatch,
                       "31/03/1961 is not a day of the record calendar"));
