@@ -376,6 +376,22 @@ void saveChartPicture(const charts::ChartModel& model, const std::string& path, 
     charts::commitPicture(temporary, path);
 }
 
+namespace {
+
+QtMessageHandler previousMessageHandler = nullptr;
+
+// Without XDG_RUNTIME_DIR Qt warns that it made a runtime folder of its own; offscreen drawing
+// needs none, and a command's user should not read the warning. Every other message passes.
+void withoutRuntimeFolderWarning(QtMsgType type, const QMessageLogContext& context,
+                                 const QString& message) {
+    if (message.startsWith(QStringLiteral("QStandardPaths: XDG_RUNTIME_DIR not set"))) {
+        return;
+    }
+    previousMessageHandler(type, context, message);
+}
+
+} // namespace
+
 QtChartExporter::QtChartExporter() = default;
 QtChartExporter::~QtChartExporter() = default;
 
@@ -384,6 +400,7 @@ void QtChartExporter::save(const charts::ChartModel& chart, const std::string& p
     if (QCoreApplication::instance() == nullptr) {
         // Pictures need no display: the command line always draws offscreen.
         qputenv("QT_QPA_PLATFORM", "offscreen");
+        previousMessageHandler = qInstallMessageHandler(withoutRuntimeFolderWarning);
         application_ = std::make_unique<QApplication>(argc_, argv_);
     }
     saveChartPicture(chart, path, QSize(size.width, size.height));
