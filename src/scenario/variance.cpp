@@ -7,6 +7,8 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <numeric>
+#include <unordered_map>
 
 namespace varo::scenario {
 
@@ -25,17 +27,36 @@ std::string memberText(int member) {
 // sums still run over the days in their order.
 class WetValues {
 public:
-    WetValues(const std::vector<double>& values, const SeriesScope& scope) {
-        for (const double value : values) {
-            if (scope.wet(value)) {
-                distinct_.push_back(value);
+    WetValues(const std::vector<double>& values, const SeriesScope& scope)
+        : places_(values.size(), -1) {
+        // The distinct values in the order they are met (few: gauges and files round), then
+        // put in ascending order and the days' places renumbered.
+        std::unordered_map<double, std::int32_t> metAt;
+        std::vector<double> met;
+        for (size_t d = 0; d < values.size(); ++d) {
+            if (scope.wet(values[d])) {
+                const auto [entry, added] =
+                    metAt.try_emplace(values[d], static_cast<std::int32_t>(met.size()));
+                if (added) {
+                    met.push_back(values[d]);
+                }
+                places_[d] = entry->second;
             }
         }
-        std::sort(distinct_.begin(), distinct_.end());
-        distinct_.erase(std::unique(distinct_.begin(), distinct_.end()), distinct_.end());
-        places_.reserve(values.size());
-        for (const double value : values) {
-            places_.push_back(scope.wet(value) ? placeOf(value) : -1);
+        std::vector<std::int32_t> ascending(met.size());
+        std::iota(ascending.begin(), ascending.end(), 0);
+        std::sort(ascending.begin(), ascending.end(), [&met](std::int32_t a, std::int32_t b) {
+            return met[static_cast<size_t>(a)] < met[static_cast<size_t>(b)];
+        });
+        std::vector<std::int32_t> rank(met.size());
+        for (size_t k = 0; k < ascending.size(); ++k) {
+            distinct_.push_back(met[static_cast<size_t>(ascending[k])]);
+            rank[static_cast<size_t>(ascending[k])] = static_cast<std::int32_t>(k);
+        }
+        for (std::int32_t& place : places_) {
+            if (place >= 0) {
+                place = rank[static_cast<size_t>(place)];
+            }
         }
     }
 
@@ -44,11 +65,6 @@ public:
     const std::vector<std::int32_t>& places() const { return places_; }
 
 private:
-    std::int32_t placeOf(double value) const {
-        return static_cast<std::int32_t>(
-            std::lower_bound(distinct_.begin(), distinct_.end(), value) - distinct_.begin());
-    }
-
     std::vector<double> distinct_;
     std::vector<std::int32_t> places_;
 };
@@ -67,8 +83,7 @@ double inverseBoxCox(double y, double lamda) {
 // values, transformed.
 class LamdaSearch {
 public:
-    LamdaSearch(const std::vector<double>& values, const SeriesScope& scope, int member)
-        : wet_(values, scope), member_(member) {
+    LamdaSearch(const WetValues& wet, int member) : wet_(wet), member_(member) {
         const std::vector<double>& distinct = wet_.distinct();
         if (!distinct.empty() && distinct.front() < 0.0) {
             throw core::Failure(core::failure::Overflow,
@@ -146,7 +161,7 @@ private:
                                    cumulative_.begin());
     }
 
-    WetValues wet_;
+    const WetValues& wet_;
     int member_;
     std::vector<std::int32_t> order_; // the places of the searched values, in day order
     std::vector<long> cumulative_;    // searched values up to and including each place
@@ -178,9 +193,8 @@ double optimumLamda(const LamdaSearch& search, core::Progress& progress) {
 // of each distinct wet value (missing for a 0 under the logarithm), the days in order.
 class TransformedMember {
 public:
-    TransformedMember(const std::vector<double>& values, const SeriesScope& scope, double lamda,
-                      int member)
-        : wet_(values, scope), lamda_(lamda), member_(member) {
+    TransformedMember(const WetValues& wet, double lamda, int member)
+        : wet_(wet), lamda_(lamda), member_(member) {
         const std::vector<double>& distinct = wet_.distinct();
         transformed_.resize(distinct.size());
         usable_.resize(distinct.size());
@@ -257,7 +271,7 @@ private:
         return result;
     }
 
-    WetValues wet_;
+    const WetValues& wet_;
     double lamda_;
     int member_;
     std::vector<double> transformed_;
@@ -269,8 +283,9 @@ private:
 InflationResult inflateConditional(std::vector<double>& values, float varianceFactor,
                                    const MemberStatistics& statistics, const SeriesScope& scope,
                                    int member, core::Progress& progress) {
-    const double lamda = optimumLamda(LamdaSearch(values, scope, member), progress);
-    const TransformedMember transformed(values, scope, lamda, member);
+    const WetValues wet(values, scope);
+    const double lamda = optimumLamda(LamdaSearch(wet, member), progress);
+    const TransformedMember transformed(wet, lamda, member);
     const double sdSquared = statistics.sd * statistics.sd;
     if (sdSquared == 0.0) {
         throw core::Failure(core::failure::DivisionByZero,
@@ -344,12 +359,14 @@ std::vector<MemberStatistics> memberStatistics(const ScenarioData& data, const S
 
 std::optional<double> searchLamda(const std::vector<double>& values, const SeriesScope& scope,
                                   double from, double to, double step, int member) {
-    return LamdaSearch(values, scope, member).search(from, to, step);
+    const WetValues wet(values, scope);
+    return LamdaSearch(wet, member).search(from, to, step);
 }
 
 double optimumLamda(const std::vector<double>& values, const SeriesScope& scope, int member) {
     core::NullProgress progress;
-    return optimumLamda(LamdaSearch(values, scope, member), progress);
+    const WetValues wet(values, scope);
+    return optimumLamda(LamdaSearch(wet, member), progress);
 }
 
 std::optional<double> applyVariance(ScenarioData& data, float varianceFactor,
