@@ -14,7 +14,7 @@ export QT_QPA_PLATFORM=offscreen
 # A home folder of no one in particular, so that the pictures show no local paths; the
 # screenshot mode reads the settings file there (absent) and writes nothing.
 # The chart screens open with sample charts; "chart1-settings" shows a chart's settings screen.
-screens=(intro home quality transform screen calibrate generate stats compare settings advsettings
+screens=(intro home quality transform screen calibrate generate stats scenario compare settings advsettings
   screen-results stats-results screen-scatter calibrate-scatter calibrate-histogram
   chart1 chart1-settings scatterchart linechart pdfchart histogram timeserieschart fachart)
 failed=()

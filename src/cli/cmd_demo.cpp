@@ -1,7 +1,8 @@
 // varo demo [DIR]: writes the sample data set into DIR and runs the work on it, step by
 // step, as a person would from the command line: quality check, screening, calibration of
 // a precipitation and a temperature model, generation from observed and from a climate
-// model's predictors, summary statistics with deltas; then prints a short summary.
+// model's predictors, summary statistics with deltas, scenarios of the observed series;
+// then prints a short summary.
 #include "cli/commands.hpp"
 
 #include "cli/cli.hpp"
@@ -191,6 +192,24 @@ void printProjection(CliContext& context, const Json& precipitation, const Json&
     }
 }
 
+void printScenarios(CliContext& context, const Json& observedRain, const Json& scenarioRain,
+                    const Json& observedTmax, const Json& scenarioTmax,
+                    const std::string& warming) {
+    context.printLine("Scenarios against the observed series (annual, " +
+                      observedRain["start"].get<std::string>() + " to " +
+                      observedRain["end"].get<std::string>() + "):");
+    const Json& rain = tableRow(observedRain["table"], "Annual");
+    const Json& rainScenario = tableRow(scenarioRain["table"], "Annual");
+    context.printLine("  precipitation, 10 % fewer wet days, total kept: wet days " +
+                      fixed(100.0 * rain["Wet-days%"].get<double>(), 1) + " % -> " +
+                      fixed(100.0 * rainScenario["Wet-days%"].get<double>(), 1) + " %, mean " +
+                      fixed(rain["Mean"], 2) + " -> " + fixed(rainScenario["Mean"], 2) + " mm");
+    context.printLine("  maximum temperature, linear warming of " + warming +
+                      " deg C a year: mean " +
+                      fixed(tableRow(observedTmax["table"], "Annual")["Mean"], 2) + " -> " +
+                      fixed(tableRow(scenarioTmax["table"], "Annual")["Mean"], 2) + " deg C");
+}
+
 int runChain(CliContext& context, const DemoOptions& options) {
     DemoRunner demo(context, options.folder);
     sampledata::SampleOptions sample;
@@ -313,6 +332,27 @@ int runChain(CliContext& context, const DemoOptions& options) {
         "the climate model's temperature, change in deg C from 1961-1990 to three later "
         "periods, t tests");
 
+    // Scenarios of the observed series: 10 % fewer wet days with each total kept, and a
+    // warming of 2 degrees over the record.
+    const std::string warming = fixed(2.0 / (sample.lastYear - sample.firstYear + 1), 3);
+    demo.run({"scenario", rain, "-o", demo.path("precip-scenario.OUT"), "--conditional",
+              "--occurrence", "-10", "--preserve-totals"},
+             false);
+    demo.wrote("precip-scenario.OUT",
+               "the observed precipitation with 10 % fewer wet days, the total kept");
+    demo.run({"scenario", tmax, "-o", demo.path("tmax-scenario.OUT"), "--trend", "linear",
+              "--trend-size", warming},
+             false);
+    demo.wrote("tmax-scenario.OUT", "the observed maximum temperature warming by " + warming +
+                                        " deg C a year, 2 deg C over the record");
+    std::vector<std::string> observedPeriod{"--observed"};
+    observedPeriod.insert(observedPeriod.end(), period.begin(), period.end());
+    const Json rainScenario =
+        stats("precip-scenario.OUT", "precip-scenario-stats.txt", "Mean,Wet-days%", observedPeriod,
+              "the precipitation scenario: wet-day mean and wet-day fraction");
+    const Json tmaxScenario = stats("tmax-scenario.OUT", "tmax-scenario-stats.txt", "Mean",
+                                    observedPeriod, "the temperature scenario: mean");
+
     context.printLine("");
     context.printLine("Summary");
     context.printLine(
@@ -322,6 +362,7 @@ int runChain(CliContext& context, const DemoOptions& options) {
     printSkill(context, rainModel, tmaxModel, series::readParameterFile(demo.path("tmax.PAR")));
     printComparison(context, rainObserved, rainModelled, tmaxObserved, tmaxModelled, members);
     printProjection(context, rainChange, tmaxChange);
+    printScenarios(context, rainObserved, rainScenario, tmaxObserved, tmaxScenario, warming);
     context.printLine("");
     context.printLine("Files written in " + options.folder + "/:");
     size_t width = 0;

@@ -42,6 +42,7 @@ void addQcCommand(CLI::App& app, CliContext& context, CommandResult& result);
 void addTransformCommand(CLI::App& app, CliContext& context, CommandResult& result);
 void addScreenCommand(CLI::App& app, CliContext& context, CommandResult& result);
 void addGenerateCommand(CLI::App& app, CliContext& context, CommandResult& result);
+void addScenarioCommand(CLI::App& app, CliContext& context, CommandResult& result);
 void addStatsCommand(CLI::App& app, CliContext& context, CommandResult& result);
 void addDemoCommand(CLI::App& app, CliContext& context, CommandResult& result);
 void addCalibrateCommand(CLI::App& app, CliContext& context, CommandResult& result);
@@ -54,6 +55,7 @@ inline void addCommands(CLI::App& app, CliContext& context, CommandResult& resul
     addScreenCommand(app, context, result);
     addCalibrateCommand(app, context, result);
     addGenerateCommand(app, context, result);
+    addScenarioCommand(app, context, result);
     addStatsCommand(app, context, result);
     addCompareCommand(app, context, result);
     addDemoCommand(app, context, result);

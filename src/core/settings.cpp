@@ -514,15 +514,46 @@ std::string writtenSettingValue(const ProgramState& state, std::string_view key)
     return settingKey(key).written(state);
 }
 
+namespace {
+
+// The wet-day percentage profile of the advanced settings, ZoMText1 to ZoMText12 (January
+// first), is not kept in the settings file; `--set` gives it for one run. The month a key
+// names, or 0.
+int profileMonth(std::string_view name) {
+    for (int month = 1; month <= 12; ++month) {
+        if (equalNoCase(name, "ZoMText" + std::to_string(month))) {
+            return month;
+        }
+    }
+    return 0;
+}
+
+// A percentage of the profile, checked as its field on the advanced settings screen.
+std::optional<std::string> assignProfile(ProgramState& state, int month, std::string_view value) {
+    const double percentage = leadingNumber(value);
+    if (!isNumeric(value) || percentage < 0.0 || percentage > 100.0) {
+        return "Modification value for " + state.periodNames[static_cast<size_t>(month)] +
+               " must be between 0 and 100.";
+    }
+    state.monthModification[static_cast<size_t>(month - 1)] = static_cast<float>(percentage);
+    return std::nullopt;
+}
+
+} // namespace
+
 std::optional<std::string> assignSetting(ProgramState& state, std::string_view name,
                                          std::string_view value) {
+    if (const int month = profileMonth(name)) {
+        return assignProfile(state, month, value);
+    }
     const SettingKey* key = findSettingKey(name);
     if (key == nullptr) {
         std::string known;
         for (const SettingKey& each : settingsTable()) {
             known += (known.empty() ? "" : ", ") + std::string(each.name);
         }
-        return "There is no setting '" + std::string(name) + "'. The settings are " + known + ".";
+        return "There is no setting '" + std::string(name) + "'. The settings are " + known +
+               ", and for one run ZoMText1 to ZoMText12.";
     }
     if (auto refusal = key->refusal(key->name, state, value)) {
         return refusal;

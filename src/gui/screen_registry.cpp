@@ -3,6 +3,7 @@
 #include "gui/analyse_widget.hpp"
 #include "gui/calibrate_widget.hpp"
 #include "gui/compare_widget.hpp"
+#include "gui/generate_widget.hpp"
 #include "gui/quality_widget.hpp"
 #include "gui/screen_vars_widget.hpp"
 #include "gui/synthesize_widget.hpp"
@@ -20,6 +21,7 @@ const std::map<screens::ScreenKey, ScreenFactory>& screenFactories() {
         {ScreenKey::WeatherGen,
          [](ScreenContext& context) { return new SynthesizeWidget(context); }},
         {ScreenKey::AnalyseData, [](ScreenContext& context) { return new AnalyseWidget(context); }},
+        {ScreenKey::Generate, [](ScreenContext& context) { return new GenerateWidget(context); }},
         {ScreenKey::Compare, [](ScreenContext& context) { return new CompareWidget(context); }},
     };
     return factories;
@@ -34,6 +36,7 @@ QString helpSection(screens::ScreenKey key) {
         {ScreenKey::Calibrate, "Calibration"},
         {ScreenKey::WeatherGen, "Weather generator"},
         {ScreenKey::AnalyseData, "Summary statistics"},
+        {ScreenKey::Generate, "Scenario generator"},
         {ScreenKey::Compare, "Compare results"},
     };
     const auto found = sections.find(key);

@@ -111,6 +111,45 @@ TEST(CliDemo, ShortChainWritesEveryStepsFilesAndRecoversTheKnownRelation) {
     }
     EXPECT_NE(readFile(path("tmax-change.txt")).find("T Test Results"), std::string::npos);
 
+    // The scenarios: 10 % fewer wet days with the total kept to the written decimals, and
+    // a warming of 2 degrees by the last day.
+    const auto values = [&](const std::string& name) {
+        std::vector<double> read;
+        std::istringstream in(readFile(path(name)));
+        for (double value = 0; in >> value;) {
+            read.push_back(value);
+        }
+        return read;
+    };
+    const auto wet = [](const std::vector<double>& series, double& sum) {
+        long count = 0;
+        sum = 0.0;
+        for (const double value : series) {
+            if (value > 0.0) {
+                ++count;
+                sum += value;
+            }
+        }
+        return count;
+    };
+    double observedSum = 0.0;
+    double scenarioSum = 0.0;
+    const long observedWet = wet(values("precip.dat"), observedSum);
+    const long scenarioWet = wet(values("precip-scenario.OUT"), scenarioSum);
+    EXPECT_NEAR(static_cast<double>(scenarioWet), 0.9 * static_cast<double>(observedWet), 0.5);
+    EXPECT_NEAR(scenarioSum, observedSum, 0.0005 * static_cast<double>(scenarioWet));
+    const std::vector<double> tmaxValues = values("tmax.dat");
+    const std::vector<double> warmer = values("tmax-scenario.OUT");
+    ASSERT_EQ(warmer.size(), tmaxValues.size());
+    size_t last = tmaxValues.size() - 1;
+    while (tmaxValues[last] == -999.0) {
+        --last; // a missing day stays missing
+    }
+    EXPECT_NEAR(warmer[last] - tmaxValues[last],
+                2.0 * static_cast<double>(last + 1) / static_cast<double>(tmaxValues.size()), 0.01);
+    EXPECT_NE(run.out.find("$ varo scenario "), std::string::npos);
+    EXPECT_NE(run.out.find("Scenarios against the observed series"), std::string::npos);
+
     // The climate model's warming comes through: the summary's change of maximum
     // temperature by 2071-2099, in deg C, lies near the known shift of its predictors.
     const size_t late = run.out.find("  2071-2099");

@@ -272,8 +272,8 @@ TEST(CliNothingLost, AnUnknownCommandIsNamed) {
     const auto run = runVaro(dir, {"--json", "genrate", "model.PAR"});
     EXPECT_EQ(run.exitCode, 2);
     EXPECT_EQ(run.err, "Unknown command 'genrate'. The commands are: settings, qc, transform, "
-                       "screen, calibrate, generate, stats, compare, demo.\nRun with --help for more "
-                       "information.\n");
+                       "screen, calibrate, generate, scenario, stats, compare, demo.\nRun with "
+                       "--help for more information.\n");
     EXPECT_FALSE(fileExists(dir.path("VARO.INI")));
     const auto nested = runVaro(dir, {"settings", "--json", "shw"});
     EXPECT_EQ(nested.exitCode, 2);

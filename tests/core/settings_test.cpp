@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <tuple>
 
 using namespace varo::core;
 using varo::testing::readFile;
@@ -281,7 +282,31 @@ TEST(SettingsTable, KeysIgnoreCaseAndAnUnknownKeyNamesEveryKnownOne) {
               "There is no setting 'Colour'. The settings are YearIndicator, GlobalSDate, "
               "GlobalEDate, AllowNeg, RandomSeed, Thresh, GlobalMissingCode, DefaultDir, PrecN, "
               "INIFile, BiasCorrection, ModelTransformation, OptimisationChoice, "
-              "ConditionalSelection, ConditionalThresh, ApplyStepwise, AICWanted, Splash.");
+              "ConditionalSelection, ConditionalThresh, ApplyStepwise, AICWanted, Splash, and "
+              "for one run ZoMText1 to ZoMText12.");
+}
+
+// The wet-day percentage profile is set for one run by its field names, checked as on the
+// advanced settings screen, and never written to the settings file.
+TEST(SettingsTable, WetDayProfileIsSetForOneRunByItsFieldNames) {
+    ProgramState state = factoryState("/settings/VARO.INI");
+    EXPECT_EQ(assignSetting(state, "ZoMText1", "12.5"), std::nullopt);
+    EXPECT_EQ(assignSetting(state, "zomtext12", "100"), std::nullopt);
+    EXPECT_EQ(assignSetting(state, "ZoMText7", "0"), std::nullopt);
+    EXPECT_EQ(state.monthModification[0], 12.5f);
+    EXPECT_EQ(state.monthModification[11], 100.0f);
+    for (const auto& [key, value, refusal] :
+         std::vector<std::tuple<std::string, std::string, std::string>>{
+             {"ZoMText2", "100.5", "Modification value for February must be between 0 and 100."},
+             {"ZoMText3", "-1", "Modification value for March must be between 0 and 100."},
+             {"ZoMText12", "wet", "Modification value for December must be between 0 and 100."},
+         }) {
+        EXPECT_EQ(assignSetting(state, key, value), refusal);
+    }
+    EXPECT_EQ(state.monthModification[1], 0.0f);
+    EXPECT_EQ(assignSetting(state, "ZoMText13", "5")->rfind("There is no setting 'ZoMText13'", 0),
+              0u);
+    EXPECT_EQ(findSettingKey("ZoMText1"), nullptr);
 }
 
 // Stepwise regression needs ordinary least squares; the dual simplex clears it. A screen

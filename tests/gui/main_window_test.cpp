@@ -135,7 +135,7 @@ TEST_F(GuiFixture, HelpKeysOpenTheGuideAtTheScreensSection) {
         EXPECT_FALSE(gui::helpSection(key.key).isEmpty()) << key.name;
         ++screens;
     }
-    EXPECT_EQ(screens, 7);
+    EXPECT_EQ(screens, 8);
     window->openSettings();
     EXPECT_EQ(helpShown("menuHelp"), "Settings");
 }
