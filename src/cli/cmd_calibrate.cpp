@@ -198,8 +198,8 @@ int runCalibrate(CliContext& context, CalibrateOptions& options) {
     }
     context.options.yes = context.options.yes || options.yes;
     Screen screen(context.state);
-    screen.choosePredictand(options.predictand);
-    screen.choosePredictors(options.predictors);
+    screen.predictand.choose(options.predictand);
+    screen.predictors.choose(options.predictors);
     screen.chooseParFile(options.parFile);
     static const std::map<std::string, int> models{
         {"monthly", Screen::Monthly}, {"seasonal", Screen::Seasonal}, {"annual", Screen::Annual}};

@@ -43,7 +43,7 @@ int runQc(CliContext& context, const std::string& file) {
         return refused;
     }
     screens::QualityScreen screen(context.state);
-    screen.chooseFile(file);
+    screen.file.choose(file);
     const auto outcome = screen.check(context.dialogs(), context.progress());
     if (outcome == screens::RunOutcome::Done) {
         if (context.options.json) {

@@ -49,7 +49,7 @@ nlohmann::ordered_json commonJson(const ScreenOptions& options,
                                   const screens::ScreenVarsScreen& screen) {
     nlohmann::ordered_json document;
     document["analysis"] = options.analysis;
-    document["predictand"] = screen.ptandText;
+    document["predictand"] = screen.predictand.text;
     document["predictors"] = screen.fileList;
     document["fitStart"] = screen.fsDate.text;
     document["fitEnd"] = screen.feDate.text;

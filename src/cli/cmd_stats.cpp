@@ -6,6 +6,7 @@
 #include "core/numeric_text.hpp"
 #include "core/quoted_text.hpp"
 #include "screens/analyse_screen.hpp"
+#include "screens/file_choice.hpp"
 #include "screens/stats_select_screen.hpp"
 
 #include <algorithm>
@@ -159,12 +160,6 @@ bool applySelection(CliContext& context, const StatsOptions& options) {
     return true;
 }
 
-// The extensions the summary statistics screen takes for a modelled file.
-bool endsInOut(const std::string& path) {
-    const std::string last = path.size() >= 4 ? path.substr(path.size() - 4) : std::string();
-    return last == ".OUT" || last == ".out";
-}
-
 nlohmann::ordered_json jsonValue(double value, double missingCode) {
     return value == missingCode || !std::isfinite(value) ? nlohmann::ordered_json()
                                                          : nlohmann::ordered_json(value);
@@ -258,7 +253,7 @@ int runStats(CliContext& context, const StatsOptions& options) {
     screens::AnalyseScreen screen(context.state);
     screen.inputFileText = options.input;
     screen.saveFileText = options.output;
-    const bool modelled = options.modelled || (!options.observed && endsInOut(options.input));
+    const bool modelled = options.modelled || (!options.observed && screens::isOutFile(options.input));
     screen.sourceButton = modelled ? screens::AnalyseScreen::Source::Modelled
                                    : screens::AnalyseScreen::Source::Observed;
     screen.ensembleMeanCheck = options.ensembleMean;

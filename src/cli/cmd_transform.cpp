@@ -55,8 +55,8 @@ int runTransform(CliContext& context, const TransformOptions& options) {
         return refused;
     }
     screens::TransformScreen screen(context.state);
-    screen.chooseInput(options.input);
-    screen.chooseOutput(options.output);
+    screen.input.choose(options.input);
+    screen.output.choose(options.output);
     screen.option = dataprep::findTransformOption(options.operation)->code;
     setField(screen.colsText, options.columns);
     setField(screen.lagText, options.lag);

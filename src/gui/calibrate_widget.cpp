@@ -1,5 +1,6 @@
 #include "gui/calibrate_widget.hpp"
 #include "gui/charts/chart_window.hpp"
+#include "gui/predictor_list.hpp"
 #include "gui/widget_helpers.hpp"
 
 #include "core/failure.hpp"
@@ -162,12 +163,10 @@ void CalibrateResultsDialog::saveAsText() {
 CalibrateWidget::CalibrateWidget(ScreenContext& context, QWidget* parent)
     : ScreenWidget(context, "Calibrate Model", parent), record_(context.state) {
     addKey("Calibrate", "tb1Calibrate", [this] { calibrate(); });
-    addKey("Reset", "tb1Reset", [this] {
+    addClosingKeys([this] {
         record_.reset();
         showRecord();
     });
-    addKey("Settings", "tb1Settings", [this] { context_.openSettings(); });
-    addKey("Help", "tb1Help", [this] { context_.openHelp(); });
     auto* columns = new QHBoxLayout();
     columns->addWidget(buildFiles(), 1);
     columns->addWidget(buildModel(), 1);
@@ -182,18 +181,10 @@ QWidget* CalibrateWidget::buildFiles() {
         addPickRow(layout, "Select Predictand", "PredictandButton", "PtandText", box);
     auto* pickPredictand = predictand.button;
     predictandLabel_ = predictand.label;
-    const PickRow folder = addPickRow(layout, "Predictor Folder...", "Dir2", "Dir2Text", box);
-    auto* pickFolder = folder.button;
-    folderLabel_ = folder.label;
-    folderLabel_->setWordWrap(true);
-
-    layout->addWidget(new QLabel("Select predictors:", box));
-    predictors_ = new QListWidget(box);
-    predictors_->setObjectName("File2");
-    predictors_->setSelectionMode(QAbstractItemView::ExtendedSelection);
+    predictors_ = new PredictorList(
+        context_, record_.predictors, false,
+        [this](const auto& items) { record_.predictors.selectItems(items); }, box);
     layout->addWidget(predictors_, 1);
-    selectedCount_ = namedLabel("NoOfFiles", box);
-    layout->addWidget(selectedCount_);
 
     auto* parRow = new QHBoxLayout();
     auto* pickPar = namedButton("Output File...", "PARFileButton", box);
@@ -207,35 +198,11 @@ QWidget* CalibrateWidget::buildFiles() {
         record_.pickPredictand(context_.dialogs);
         showRecord();
     });
-    connect(pickFolder, &QPushButton::clicked, this, [this] {
-        record_.pickPredictorFolder(context_.dialogs);
-        showRecord();
-    });
     connect(pickPar, &QPushButton::clicked, this, [this] {
         record_.pickParFile(context_.dialogs);
         showRecord();
     });
-    connect(predictors_, &QListWidget::itemSelectionChanged, this, [this] {
-        std::vector<int> chosen;
-        for (QListWidgetItem* item : predictors_->selectedItems()) {
-            chosen.push_back(predictors_->row(item));
-        }
-        record_.selectListItems(chosen);
-        selectedCount_->setText(QString::number(record_.noOfFiles()) + " selected");
-    });
     return box;
-}
-
-QButtonGroup* CalibrateWidget::options(const QString& name, const QStringList& captions,
-                                       QWidget* parent, QLayout* into) {
-    auto* group = new QButtonGroup(this);
-    for (int i = 0; i < captions.size(); ++i) {
-        auto* option = new QRadioButton(captions[i], parent);
-        option->setObjectName(name + QString::number(i));
-        group->addButton(option, i);
-        into->addWidget(option);
-    }
-    return group;
 }
 
 QWidget* CalibrateWidget::buildModel() {
@@ -260,10 +227,12 @@ QWidget* CalibrateWidget::buildModel() {
     form->addRow("Days in fit:", noOfDays_);
 
     auto* modelRow = new QHBoxLayout();
-    modelType_ = options("ModelType", {"Monthly", "Seasonal", "Annual"}, box, modelRow);
+    modelType_ = optionGroup(box, modelRow, "ModelType", {"Monthly", "Seasonal", "Annual"},
+                             [this](int id) { record_.modelType = id; });
     form->addRow("Model type:", modelRow);
     auto* processRow = new QHBoxLayout();
-    process_ = options("ParmOpt", {"Conditional", "Unconditional"}, box, processRow);
+    process_ = optionGroup(box, processRow, "ParmOpt", {"Conditional", "Unconditional"},
+                           [this](int id) { record_.parmOpt = id; });
     form->addRow("Process:", processRow);
     autoregression_ = new QCheckBox("Include", box);
     autoregression_->setObjectName("AutoRegressionCheck");
@@ -279,16 +248,14 @@ QWidget* CalibrateWidget::buildModel() {
                  narrow(bindField("NoOfFoldsText", record_.noOfFoldsText,
                                   [this, &dialogs] { return record_.checkFolds(dialogs); })));
     auto* graphRow = new QHBoxLayout();
-    graphType_ = options("GraphType", {"None", "Scatter plot", "Histogram"}, box, graphRow);
+    graphType_ = optionGroup(box, graphRow, "GraphType", {"None", "Scatter plot", "Histogram"},
+                             [this](int id) { record_.graphType = id; });
     form->addRow("Residual plot:", graphRow);
     form->addRow("Histogram bars:",
                  narrow(bindField("HistogramCatsText", record_.histogramCatsText, [this, &dialogs] {
                      return record_.checkHistogramCategories(dialogs);
                  })));
 
-    connect(modelType_, &QButtonGroup::idClicked, this, [this](int id) { record_.modelType = id; });
-    connect(process_, &QButtonGroup::idClicked, this, [this](int id) { record_.parmOpt = id; });
-    connect(graphType_, &QButtonGroup::idClicked, this, [this](int id) { record_.graphType = id; });
     connect(autoregression_, &QCheckBox::toggled, this,
             [this](bool on) { record_.autoRegressionCheck = on; });
     connect(chow_, &QCheckBox::toggled, this, [this](bool on) { record_.includeChow = on; });
@@ -297,28 +264,14 @@ QWidget* CalibrateWidget::buildModel() {
     return box;
 }
 
-void CalibrateWidget::showSelection() {
-    const QSignalBlocker quiet(predictors_);
-    predictors_->clear();
-    for (const std::string& name : record_.folderFiles) {
-        auto* item = new QListWidgetItem(qt(name), predictors_);
-        const std::string path = (std::filesystem::path(record_.predictorFolder) / name).string();
-        item->setSelected(std::find(record_.selectedPredictors.begin(),
-                                    record_.selectedPredictors.end(),
-                                    path) != record_.selectedPredictors.end());
-    }
-    selectedCount_->setText(QString::number(record_.noOfFiles()) + " selected");
-}
-
 void CalibrateWidget::showRecord() {
-    predictandLabel_->setText(qt(record_.ptandText));
-    folderLabel_->setText(qt(record_.predictorFolder));
-    showSelection();
+    predictandLabel_->setText(qt(record_.predictand.text));
+    predictors_->showPicker();
     parFileLabel_->setText(qt(record_.parFileText));
     noOfDays_->setText(qt(record_.noOfDays));
-    modelType_->button(record_.modelType)->setChecked(true);
-    process_->button(record_.parmOpt)->setChecked(true);
-    graphType_->button(record_.graphType)->setChecked(true);
+    selectOption(modelType_, record_.modelType);
+    selectOption(process_, record_.parmOpt);
+    selectOption(graphType_, record_.graphType);
     autoregression_->setChecked(record_.autoRegressionCheck);
     chow_->setChecked(record_.includeChow);
     crossValidation_->setChecked(record_.xValidationCheck);

@@ -15,12 +15,12 @@
 class QButtonGroup;
 class QCheckBox;
 class QLabel;
-class QListWidget;
 class QTextEdit;
 
 namespace varo::gui {
 
 class ChartWindow;
+class PredictorList;
 
 // CalibResultsFrm: the report of the last calibration as a page of tables, followed by the
 // fitted coefficients.
@@ -59,18 +59,13 @@ public:
 private:
     QWidget* buildFiles();
     QWidget* buildModel();
-    QButtonGroup* options(const QString& name, const QStringList& captions, QWidget* parent,
-                          QLayout* into);
     void showRecord();
-    void showSelection();
     void calibrate();
     void showResults();
 
     screens::CalibrateScreen record_;
     QLabel* predictandLabel_ = nullptr;
-    QLabel* folderLabel_ = nullptr;
-    QListWidget* predictors_ = nullptr;
-    QLabel* selectedCount_ = nullptr;
+    PredictorList* predictors_ = nullptr;
     QLabel* noOfDays_ = nullptr;
     QButtonGroup* modelType_ = nullptr;
     QButtonGroup* process_ = nullptr;

@@ -5,6 +5,7 @@
 #include "core/number_format.hpp"
 #include "core/numeric_text.hpp"
 #include "core/series_file.hpp"
+#include "screens/file_choice.hpp"
 #include "statistics/statistic_columns.hpp"
 
 #include <array>
@@ -16,14 +17,6 @@ namespace {
 constexpr int LongestAnalysisYears = 150;
 constexpr std::string_view SimReadMessage =
     "An error occurred opeing the *.SIM file. Please try again.";
-
-bool isOutFile(const std::string& path) {
-    if (path.size() < 4) {
-        return false;
-    }
-    const std::string last = path.substr(path.size() - 4);
-    return last == ".OUT" || last == ".out";
-}
 
 bool isBlankText(const std::string& text) {
     return text.find_first_not_of(" \t") == std::string::npos;
@@ -44,7 +37,7 @@ std::optional<std::string> ensembleNumberRefusal(const std::string& text) {
     if (!core::isNumeric(text)) {
         return "Ensemble member value is invalid.";
     }
-    const long long member = core::roundHalfEven(core::leadingNumber(text));
+    const int member = core::roundedInteger(text);
     if (member < 1 || member > 100) {
         return "Ensemble member cannot be zero or greater than 100.";
     }
@@ -141,13 +134,13 @@ AnalyseScreen::AnalyseScreen(core::ProgramState& state)
 }
 
 void AnalyseScreen::pickInputFile(Dialogs& dialogs) {
-    if (const auto path = dialogs.pickOpenFile(InputFilter, state_.defaultDir)) {
+    if (const auto path = dialogs.pickOpenFile(filter::OutOrData, state_.defaultDir)) {
         inputFileText = *path;
     }
 }
 
 void AnalyseScreen::pickSaveFile(Dialogs& dialogs) {
-    if (const auto path = dialogs.pickSaveFile(SaveFilter, state_.defaultDir, "TXT")) {
+    if (const auto path = dialogs.pickSaveFile(filter::Text, state_.defaultDir, "TXT")) {
         saveFileText = *path;
     }
 }
@@ -228,7 +221,7 @@ AnalyseScreen::runRefusal(const std::optional<series::SimulationDescription>& de
     }
     const bool oneMember = modelled && !ensembleMeanCheck;
     if (oneMember && description && core::isNumeric(ensembleNumber.text) &&
-        core::roundHalfEven(core::leadingNumber(ensembleNumber.text)) > description->ensembleSize) {
+        core::roundedInteger(ensembleNumber.text) > description->ensembleSize) {
         return "Ensemble member does not exist in data file.";
     }
     if (modelled && !description) {
@@ -268,8 +261,7 @@ AnalyseScreen::buildRequest(const std::optional<series::SimulationDescription>& 
         request.source.calendar = core::calendarForYearLength(description->yearIndicator);
         request.source.recordStart = dateOf(description->fitStart);
         request.ensemble.mean = ensembleMeanCheck;
-        request.ensemble.member =
-            static_cast<int>(core::roundHalfEven(core::leadingNumber(ensembleNumber.text)));
+        request.ensemble.member = core::roundedInteger(ensembleNumber.text);
     } else {
         request.source.memberCount = 1;
         request.source.calendar = core::calendarInForce(state_);

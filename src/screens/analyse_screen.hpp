@@ -27,11 +27,6 @@ struct NamedTable {
 
 class AnalyseScreen {
 public:
-    static constexpr std::string_view InputFilter =
-        "OUT Files (*.OUT)|*.OUT|DAT Files (*.DAT)|*.DAT|TXT Files (*.TXT)|*.TXT|All Files "
-        "(*.*)|*.*";
-    static constexpr std::string_view SaveFilter = "TXT Files (*.TXT)|*.TXT|All Files (*.*)|*.*";
-
     enum class Source { Observed, Modelled };
 
     explicit AnalyseScreen(core::ProgramState& state);

@@ -58,7 +58,7 @@ bool CompareResultsScreen::chooseFile(size_t which, const std::string& path, Dia
 }
 
 void CompareResultsScreen::pickFile(size_t which, Dialogs& dialogs) {
-    if (const auto path = dialogs.pickOpenFile(ResultsFilter, state_.defaultDir)) {
+    if (const auto path = dialogs.pickOpenFile(filter::Text, state_.defaultDir)) {
         chooseFile(which, *path, dialogs);
     }
 }

@@ -9,6 +9,7 @@
 #include "core/program_state.hpp"
 #include "core/results_table.hpp"
 #include "screens/dialogs.hpp"
+#include "screens/file_choice.hpp"
 #include "statistics/results_reader.hpp"
 
 #include <array>
@@ -21,8 +22,6 @@ namespace varo::screens {
 
 class CompareResultsScreen {
 public:
-    static constexpr std::string_view ResultsFilter = "TXT Files (*.TXT)|*.TXT|All Files (*.*)|*.*";
-    static constexpr std::string_view NotSelected = "Not selected";
     enum ChartOption { Bar = 0, Line = 1 };
 
     struct ResultsFile {

@@ -9,7 +9,7 @@
 #include <QChartView>
 
 #include <QLabel>
-#include <QListWidget>
+#include <QTreeWidget>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QTextEdit>
@@ -34,7 +34,7 @@ TEST_F(GuiFixture, CalibrateScreenFitsAModelAndShowsTheReport) {
     EXPECT_EQ(find<QLabel>("PtandText")->text(), "rain.dat");
     dialogs.pickedFiles.push_back(Data);
     click("Dir2");
-    auto* list = find<QListWidget>("File2");
+    auto* list = find<QTreeWidget>("File2");
     for (const char* name : {"shum.dat", "mslp.dat"}) {
         const auto items = list->findItems(name, Qt::MatchExactly);
         ASSERT_EQ(items.size(), 1);
@@ -90,7 +90,7 @@ TEST_F(GuiFixture, CalibrationWithTheHistogramChoiceOpensTheHistogramScreen) {
     dialogs.pickedFiles = {Data + "/rain.dat", Data, dir.path("MODEL.PAR")};
     click("PredictandButton");
     click("Dir2");
-    find<QListWidget>("File2")->findItems("mslp.dat", Qt::MatchExactly).at(0)->setSelected(true);
+    find<QTreeWidget>("File2")->findItems("mslp.dat", Qt::MatchExactly).at(0)->setSelected(true);
     click("PARFileButton");
     click("GraphType2");
     type("HistogramCatsText", "3");
