@@ -21,9 +21,8 @@ struct GenerateOptions {
     std::optional<std::string> ensemble;
 };
 
-nlohmann::ordered_json jsonReport(const screens::SynthesizeScreen& screen,
-                                  const std::vector<std::string>& warnings) {
-    nlohmann::ordered_json document;
+Json jsonReport(const screens::SynthesizeScreen& screen, const std::vector<std::string>& warnings) {
+    Json document;
     document["out"] = screen.outFile.path;
     document["sim"] = series::simPathFor(screen.outFile.path);
     document["start"] = screen.fStartText.text;

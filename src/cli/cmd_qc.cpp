@@ -20,16 +20,14 @@ void printReport(CliContext& context, const screens::QualityScreen& screen) {
     context.printLine("Values above threshold: " + screen.threshCountText);
 }
 
-nlohmann::ordered_json jsonReport(const dataprep::QualityResults& results,
-                                  const std::vector<std::string>& warnings) {
-    nlohmann::ordered_json document;
+Json jsonReport(const dataprep::QualityResults& results, const std::vector<std::string>& warnings) {
+    Json document;
     document["values"] = results.total;
     document["missing"] = results.missing;
     document["ok"] = results.ok;
     document["minimum"] = results.minimum;
     document["maximum"] = results.maximum;
-    document["mean"] =
-        results.mean ? nlohmann::ordered_json(*results.mean) : nlohmann::ordered_json();
+    document["mean"] = numberJson(results.mean);
     document["maxDiff"] = results.maxDiff;
     document["maxDiffFirst"] = results.maxDiffFirst;
     document["maxDiffSecond"] = results.maxDiffSecond;

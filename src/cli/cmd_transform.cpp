@@ -30,9 +30,8 @@ void setField(screens::TextField& field, const std::optional<std::string>& value
     }
 }
 
-nlohmann::ordered_json jsonReport(const TransformOptions& options,
-                                  const screens::TransformScreen::Report& report) {
-    nlohmann::ordered_json document;
+Json jsonReport(const TransformOptions& options, const screens::TransformScreen::Report& report) {
+    Json document;
     document["operation"] = options.operation;
     document["input"] = options.input;
     document["output"] = options.output;

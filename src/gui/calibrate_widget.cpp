@@ -1,6 +1,7 @@
 #include "gui/calibrate_widget.hpp"
 #include "gui/charts/chart_window.hpp"
 #include "gui/predictor_list.hpp"
+#include "gui/results_table_view.hpp"
 #include "gui/widget_helpers.hpp"
 
 #include "core/failure.hpp"
@@ -8,17 +9,16 @@
 
 #include <QButtonGroup>
 #include <QCheckBox>
+#include <QFontDatabase>
 #include <QFormLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
-#include <QListWidget>
 #include <QPrintDialog>
 #include <QPrinter>
 #include <QPushButton>
-#include <QRadioButton>
-#include <QTextEdit>
+#include <QTextDocument>
 #include <QVBoxLayout>
 #include <algorithm>
 #include <filesystem>
@@ -47,104 +47,66 @@ CalibrateResultsDialog::CalibrateResultsDialog(ScreenContext& context,
     setAttribute(Qt::WA_DeleteOnClose);
     auto* layout = new QVBoxLayout(this);
     auto* keys = new QHBoxLayout();
-    auto* printKey = namedButton("Print", "menuPrint", this);
-    auto* saveKey = namedButton("Save As Text", "menuSave", this);
-    auto* backKey = namedButton("Back", "menuBack", this);
+    auto* printKey = keyButton("Print", "menuPrint", this);
+    auto* saveKey = keyButton("Save As Text", "menuSave", this);
+    auto* backKey = keyButton("Back", "menuBack", this);
     keys->addWidget(printKey);
     keys->addWidget(saveKey);
     keys->addStretch(1);
     keys->addWidget(backKey);
     layout->addLayout(keys);
-    page_ = new QTextEdit(this);
-    page_->setObjectName("ResultsPage");
-    page_->setReadOnly(true);
-    page_->setHtml(
-        reportHtml(*record.report)
-            .replace("</body></html>", coefficientsHtml(record.coefficients, record.stepwiseLines) +
-                                           "</body></html>"));
-    layout->addWidget(page_, 1);
-    resize(760, 720);
+
+    const calibration::CalibrationReport& report = *record.report;
+    QStringList heading;
+    for (const std::string& line : report.headingLines) {
+        heading << qt(line);
+    }
+    auto* headingLabel = namedLabel("ReportHeading", this);
+    headingLabel->setText(heading.join('\n'));
+    headingLabel->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    layout->addWidget(headingLabel);
+
+    tables_ = new ResultsTabs(this);
+    tables_->setObjectName("ResultsTables");
+    for (const auto* group : {&report.tables, &record.coefficients}) {
+        for (const core::ResultsTable& table : *group) {
+            tables_->addTable(qt(table.title), table);
+        }
+    }
+    layout->addWidget(tables_, 1);
+
+    QStringList notes;
+    if (report.anyAboveCritical) {
+        notes << "Values in bold red are Chow statistics above their critical value.";
+    }
+    for (const std::string& line : record.stepwiseLines) {
+        notes << qt(line);
+    }
+    auto* noteLabel = namedLabel("ReportNotes", this);
+    noteLabel->setText(notes.join('\n'));
+    noteLabel->setVisible(!notes.isEmpty());
+    layout->addWidget(noteLabel);
+    resize(760, 560);
     connect(printKey, &QPushButton::clicked, this, [this] { print(); });
     connect(saveKey, &QPushButton::clicked, this, [this] { saveAsText(); });
     connect(backKey, &QPushButton::clicked, this, &QDialog::close);
 }
 
-QString CalibrateResultsDialog::reportHtml(const calibration::CalibrationReport& report) {
-    QString html = "<html><body style='font-family: monospace'>";
-    for (const std::string& line : report.headingLines) {
-        html += "<div>" + qt(line).toHtmlEscaped().replace(" ", "&nbsp;") + "</div>";
-    }
-    for (const calibration::ReportTable& table : report.tables) {
-        html += "<p style='margin-top: 12px'><b>" + qt(table.title) + "</b>";
-        if (!table.crossValidationTitle.empty()) {
-            html += " &nbsp; <b>" + qt(table.crossValidationTitle) + "</b> (from column " +
-                    QString::number(table.crossValidationColumn + 1) + ")";
-        }
-        html += "</p><table cellspacing='0' cellpadding='4'><tr>";
-        for (const std::string& heading : table.headings) {
-            html += "<th align='left' width='110'>" + qt(heading) + "</th>";
-        }
-        html += "</tr>";
-        for (const auto& row : table.rows) {
-            html += "<tr>";
-            for (const calibration::ReportCell& cell : row) {
-                const QString text = qt(cell.text).toHtmlEscaped();
-                html += cell.aboveCritical
-                            ? "<td><b><font color='#c00000'>" + text + "</font></b></td>"
-                            : "<td><pre style='margin: 0'>" + text + "</pre></td>";
-            }
-            html += "</tr>";
-        }
-        html += "</table>";
-    }
-    if (report.anyAboveCritical) {
-        html += "<p>Values in <b><font color='#c00000'>bold red</font></b> are Chow statistics "
-                "above their critical value.</p>";
-    }
-    return html + "</body></html>";
-}
-
-QString CalibrateResultsDialog::coefficientsHtml(const std::vector<core::ResultsTable>& tables,
-                                                 const std::vector<std::string>& stepwiseLines) {
-    QString html;
-    for (const core::ResultsTable& table : tables) {
-        html += "<p style='margin-top: 12px'><b>" + qt(table.title).toHtmlEscaped() +
-                "</b></p><table cellspacing='0' cellpadding='4'><tr><th align='left' width='110'>" +
-                qt(table.rowHeading).toHtmlEscaped() + "</th>";
-        for (const std::string& column : table.columns) {
-            html += "<th align='right' width='110'>" + qt(column).toHtmlEscaped() + "</th>";
-        }
-        html += "</tr>";
-        for (const auto& row : table.rows) {
-            html += "<tr><td>" + qt(row.label).toHtmlEscaped() + "</td>";
-            for (const auto& cell : row.cells) {
-                html += "<td align='right'>" + qt(table.cellText(cell)).toHtmlEscaped() + "</td>";
-            }
-            html += "</tr>";
-        }
-        html += "</table>";
-    }
-    if (!stepwiseLines.empty()) {
-        html += "<p style='margin-top: 12px'>";
-        for (const std::string& line : stepwiseLines) {
-            html += "<div>" + qt(line).toHtmlEscaped() + "</div>";
-        }
-        html += "</p>";
-    }
-    return html;
-}
-
+// The report as its text, in a fixed-width font so that its columns stand.
 void CalibrateResultsDialog::print() {
     QPrinter printer;
     QPrintDialog dialog(&printer, this);
     if (dialog.exec() == QDialog::Accepted) {
-        page_->document()->print(&printer);
+        QTextDocument page;
+        page.setDefaultFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+        page.setPlainText(qt(text_));
+        page.print(&printer);
     }
 }
 
 void CalibrateResultsDialog::saveAsText() {
-    const auto path = context_.dialogs.pickSaveFile("Text Files (*.TXT)|*.TXT|All Files (*.*)|*.*",
-                                                    context_.state.defaultDir, "TXT");
+    const auto path =
+        context_.dialogs.pickSaveFile(screens::filter::Text, context_.state.defaultDir, "TXT");
     if (!path) {
         return;
     }

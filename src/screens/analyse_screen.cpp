@@ -75,56 +75,6 @@ core::Date dateOf(const std::string& text) {
     return core::parseDate(text).value_or(core::Date{});
 }
 
-// The patterns of the results file: statistics and t values, and degrees of freedom.
-constexpr std::string_view ValuePattern = "####0.000";
-constexpr std::string_view DegreesPattern = "######";
-constexpr double TTestCritical = 1.96;
-constexpr std::array<const char*, 3> DeltaPeriodNames = {"Period A", "Period B", "Period C"};
-
-core::ResultsTable emptyTable(std::string title, std::string rowHeading, std::string_view pattern,
-                              double missingCode) {
-    core::ResultsTable table;
-    table.title = std::move(title);
-    table.rowHeading = std::move(rowHeading);
-    table.numberPattern = std::string(pattern);
-    // A missing cell reads as the file writes it: the missing value code.
-    table.missingText = core::formatPattern(missingCode, pattern);
-    return table;
-}
-
-core::ResultsTable statisticsTable(std::string title, const statistics::ReportLabels& labels,
-                                   const statistics::ResultTable& values, double missingCode) {
-    core::ResultsTable table = emptyTable(std::move(title), "Month", ValuePattern, missingCode);
-    table.columns = labels.columnNames;
-    for (int row = 1; row <= statistics::CalendarRowCount; ++row) {
-        std::vector<double> cells;
-        for (const int c : labels.columns) {
-            cells.push_back(values[row][c]);
-        }
-        table.addRow(labels.rowNames[row], cells, missingCode);
-    }
-    return table;
-}
-
-core::ResultsTable testsTable(std::string title, const statistics::ReportLabels& labels,
-                              const statistics::DeltaResults& delta, bool degrees,
-                              double missingCode) {
-    core::ResultsTable table = emptyTable(std::move(title), "Period",
-                                          degrees ? DegreesPattern : ValuePattern, missingCode);
-    table.columns.assign(DeltaPeriodNames.begin(), DeltaPeriodNames.end());
-    for (int row = 1; row <= statistics::CalendarRowCount; ++row) {
-        std::vector<double> cells;
-        for (const auto& tests : delta.tests) {
-            cells.push_back(degrees ? tests[row].degreesOfFreedom : tests[row].t);
-        }
-        auto& added = table.addRow(labels.rowNames[row], cells, missingCode);
-        for (auto& cell : added.cells) {
-            cell.highlighted = !degrees && cell.value && *cell.value > TTestCritical;
-        }
-    }
-    return table;
-}
-
 } // namespace
 
 AnalyseScreen::AnalyseScreen(core::ProgramState& state)
@@ -342,45 +292,13 @@ AnalyseScreen::buildLabels(const statistics::AnalysisRequest& request) const {
     return result;
 }
 
-std::vector<NamedTable> AnalyseScreen::resultTables() const {
-    std::vector<NamedTable> tables;
-    if (!results) {
-        return tables;
-    }
-    const double missing = resultsMissingCode_;
-    const std::string members =
-        labels.members == "ALL" ? "ensemble mean" : "member " + labels.members;
-    tables.push_back({"Statistics", statisticsTable("Summary statistics of " + labels.fileName +
-                                                        ", " + labels.startDate + " to " +
-                                                        labels.endDate + ", " + members,
-                                                    labels, results->base.values, missing)});
-    if (results->base.deviations) {
-        tables.push_back(
-            {"Standard deviations", statisticsTable("Standard Deviations of Results", labels,
-                                                    *results->base.deviations, missing)});
-    }
-    if (!results->delta) {
-        return tables;
-    }
-    const std::string kind = labels.deltaKind == statistics::AbsoluteDelta
-                                 ? "absolute difference"
-                                 : "percentage difference";
-    for (size_t p = 0; p < DeltaPeriodNames.size(); ++p) {
-        tables.push_back(
-            {DeltaPeriodNames[p],
-             statisticsTable(std::string(DeltaPeriodNames[p]) + ": " + labels.periodStart[p] +
-                                 " to " + labels.periodEnd[p] + ", " + kind,
-                             labels, results->delta->deltas[p], missing)});
-    }
-    tables.push_back(
-        {"T test", testsTable("T Test Results", labels, *results->delta, false, missing)});
-    tables.push_back({"Degrees of freedom", testsTable("Degrees of Freedom for T Test", labels,
-                                                       *results->delta, true, missing)});
-    return tables;
+std::vector<core::NamedTable> AnalyseScreen::resultTables() const {
+    return tables ? tables->named() : std::vector<core::NamedTable>{};
 }
 
 RunOutcome AnalyseScreen::run(Dialogs& dialogs, core::Progress& progress) {
     results.reset();
+    tables.reset();
     resultsPath.clear();
     const bool modelled = sourceButton == Source::Modelled;
     std::optional<series::SimulationDescription> description;
@@ -413,10 +331,11 @@ RunOutcome AnalyseScreen::run(Dialogs& dialogs, core::Progress& progress) {
         [&] {
             statistics::AnalysisResults found = statistics::runAnalysis(request, progress);
             labels = buildLabels(request);
-            statistics::writeResultsFile(saveFileText, statistics::resultsText(labels, found));
+            auto made = statistics::resultTables(labels, found, state_.globalMissingCode);
+            statistics::writeResultsFile(saveFileText, statistics::resultsText(labels, made));
             results = std::move(found);
+            tables = std::move(made);
             resultsPath = saveFileText;
-            resultsMissingCode_ = state_.globalMissingCode;
             dialogs.message("Summary Statistics",
                             "Summary statistics saved to " + core::bareFileName(saveFileText) + ".",
                             Icon::Information);

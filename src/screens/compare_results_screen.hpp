@@ -26,8 +26,9 @@ public:
 
     struct ResultsFile {
         std::string fileText{NotSelected}; // the file's name, or "Not selected"
-        std::optional<statistics::ResultsFileTable> table;
-        std::optional<size_t> statistic; // picked in the file's list
+        std::string path;
+        std::optional<core::ResultsTable> table; // its first table
+        std::optional<size_t> statistic;         // picked in the file's list
 
         const std::vector<std::string>& statisticList() const;
         std::string fileName() const; // the name without its folder

@@ -52,6 +52,7 @@ void ScreenVarsScreen::clearResults() {
     correlation.reset();
     variance.reset();
     report.reset();
+    tables.clear();
     scatterPoints.reset();
 }
 
@@ -136,7 +137,8 @@ bool ScreenVarsScreen::checkSelection(Dialogs& dialogs, bool limitTo12) {
         dialogs.error("You must select at least one predictor.");
         return false;
     }
-    if (limitTo12 && predictors.count() > static_cast<size_t>(screening::MaxCorrelationPredictors)) {
+    if (limitTo12 &&
+        predictors.count() > static_cast<size_t>(screening::MaxCorrelationPredictors)) {
         dialogs.error("Sorry - you are allowed a maximum of 12 predictors only.");
         return false;
     }
@@ -170,7 +172,12 @@ RunOutcome ScreenVarsScreen::correlate(Dialogs& dialogs, core::Progress& progres
             const screening::ReportHeading heading{
                 fsDate.text, feDate.text,
                 periodEntries(state_)[static_cast<size_t>(std::clamp(datesCombo, 0, 16))]};
-            report = screening::correlationReport(assembled, result, heading, asked.conditional);
+            auto made = screening::correlationTables(assembled, result);
+            report = screening::correlationReport(assembled, made, heading, asked.conditional);
+            tables = {{"correlations", made.matrix}};
+            if (made.partials) {
+                tables.push_back({"partials", *made.partials});
+            }
             data = std::move(assembled);
             correlation = result;
             return RunOutcome::Done;
@@ -192,8 +199,13 @@ RunOutcome ScreenVarsScreen::explainVariance(Dialogs& dialogs, core::Progress& p
         [&] {
             auto result = screening::explainVariance(request(), state_, progress);
             fileList = result.names;
-            report = screening::varianceReport(
-                result, {fsDate.text, feDate.text, sigLevelText.text}, sigLevel);
+            tables = {{"results", screening::varianceTable(result, sigLevel)}};
+            for (const std::string_view statistic : screening::VarianceStatistics) {
+                tables.push_back(
+                    {std::string(statistic), screening::varianceStatisticTable(result, statistic)});
+            }
+            report = screening::varianceReport(result, tables.front().table,
+                                               {fsDate.text, feDate.text, sigLevelText.text});
             variance = std::move(result);
             return RunOutcome::Done;
         },

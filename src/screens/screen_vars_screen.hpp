@@ -57,6 +57,10 @@ public:
     std::optional<screening::CorrelationResult> correlation;
     std::optional<screening::ExplainedVariance> variance;
     std::optional<screening::ReportText> report;
+    // The report's results as tables, by the names JSON gives them: "correlations" and
+    // "partials" of a correlation; "results" (significant r squared, the best picked out)
+    // and every month's "n", "r", "rSquared", "t" and "p" of an explained variance.
+    std::vector<core::NamedTable> tables;
     std::optional<screening::ScatterData> scatterPoints;
 
     // The predictand picker opens on the folder of the last predictand chosen, else on
