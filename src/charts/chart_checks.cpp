@@ -60,17 +60,17 @@ CheckMessage checkXLabelGap(const std::string& text, int upperBound) {
 
 CheckMessage checkPenWidth(const std::string& text) {
     return core::rangeRefusal(text, MinPenWidth, MaxPenWidth, "Pen width must be a value.",
-                      "Pen width must be a value between 1 and 100.");
+                              "Pen width must be a value between 1 and 100.");
 }
 
 CheckMessage checkDotSize(const std::string& text) {
     return core::rangeRefusal(text, MinDotSize, MaxDotSize, "Dot size must be a value.",
-                      "Dot size must be a value between 50 and 250.");
+                              "Dot size must be a value between 50 and 250.");
 }
 
 CheckMessage checkLineSize(const std::string& text) {
     return core::rangeRefusal(text, MinLineSize, MaxLineSize, "Line width must be a value.",
-                      "Line width must be a value between 10 and 200.");
+                              "Line width must be a value between 10 and 200.");
 }
 
 CheckMessage checkYAxisDivision(const std::string& text) {

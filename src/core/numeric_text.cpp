@@ -187,8 +187,8 @@ std::optional<double> numberIn(std::string_view text, double low, double high, R
         return std::nullopt;
     }
     const double value = leadingNumber(text);
-    const bool inside = ends == RangeEnds::Included ? value >= low && value <= high
-                                                    : value > low && value < high;
+    const bool inside =
+        ends == RangeEnds::Included ? value >= low && value <= high : value > low && value < high;
     return inside ? std::optional<double>(value) : std::nullopt;
 }
 

@@ -284,8 +284,7 @@ std::optional<std::string> varianceInflationRefusal(std::string_view, const Prog
 std::optional<std::string> biasRefusal(std::string_view, const ProgramState&,
                                        std::string_view value) {
     return rangeRefusal(value, 0.0, 2.0, "Bias correction must be a value less than two.",
-                        "Bias correction must be positive and less than two.",
-                        RangeEnds::Excluded);
+                        "Bias correction must be positive and less than two.", RangeEnds::Excluded);
 }
 
 std::optional<std::string> conditionalThreshRefusal(std::string_view, const ProgramState&,

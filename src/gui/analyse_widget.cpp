@@ -2,8 +2,8 @@
 #include "gui/widget_helpers.hpp"
 
 #include "gui/results_table_view.hpp"
-#include "screens/file_choice.hpp"
 #include "gui/stats_select_widget.hpp"
+#include "screens/file_choice.hpp"
 #include "statistics/statistic_columns.hpp"
 
 #include <QButtonGroup>
@@ -52,10 +52,11 @@ AnalyseWidget::AnalyseWidget(ScreenContext& context, QWidget* parent)
     auto* files = new QGroupBox("Files", this);
     auto* fileGrid = new QGridLayout(files);
     auto* sourceRow = new QHBoxLayout();
-    source_ = optionGroup(files, sourceRow, "SourceButton", {"Observed", "Modelled"}, [this](int id) {
-        record_.sourceButton = id == 0 ? screens::AnalyseScreen::Source::Observed
-                                       : screens::AnalyseScreen::Source::Modelled;
-    });
+    source_ =
+        optionGroup(files, sourceRow, "SourceButton", {"Observed", "Modelled"}, [this](int id) {
+            record_.sourceButton = id == 0 ? screens::AnalyseScreen::Source::Observed
+                                           : screens::AnalyseScreen::Source::Modelled;
+        });
     fileGrid->addLayout(sourceRow, 0, 2);
     inputFile_ =
         fileRow(this, fileGrid, 0, "Select Data File", "SelectInputFile", "InputFileText", [this] {
@@ -171,8 +172,7 @@ void AnalyseWidget::showSelection() {
 }
 
 void AnalyseWidget::showRecord() {
-    selectOption(source_,
-                 record_.sourceButton == screens::AnalyseScreen::Source::Observed ? 0 : 1);
+    selectOption(source_, record_.sourceButton == screens::AnalyseScreen::Source::Observed ? 0 : 1);
     const auto shown = [](const std::string& path) {
         return qt(path.empty() ? screens::NotSelected : path);
     };

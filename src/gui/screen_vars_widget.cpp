@@ -61,8 +61,7 @@ QWidget* ScreenVarsWidget::buildFiles() {
     predictandLabel_ = predictand.label;
     predictors_ = new PredictorList(
         context_, record_.predictors, true,
-        [this](const auto& items) { record_.selectPredictorItems(items, context_.dialogs); },
-        box);
+        [this](const auto& items) { record_.selectPredictorItems(items, context_.dialogs); }, box);
     layout->addWidget(predictors_, 1);
 
     connect(pickPredictand, &QPushButton::clicked, this, [this] {

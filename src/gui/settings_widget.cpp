@@ -18,9 +18,8 @@ namespace varo::gui {
 namespace {
 
 // A group box of options (`optionGroup`) under a title.
-QButtonGroup* optionBox(QWidget* owner, QBoxLayout* into, const QString& title,
-                        const QString& name, const QStringList& captions,
-                        const std::function<void(int)>& picked) {
+QButtonGroup* optionBox(QWidget* owner, QBoxLayout* into, const QString& title, const QString& name,
+                        const QStringList& captions, const std::function<void(int)>& picked) {
     auto* box = new QGroupBox(title, owner);
     auto* layout = new QVBoxLayout(box);
     into->addWidget(box);
@@ -181,8 +180,8 @@ AdvSettingsDialog::AdvSettingsDialog(ScreenContext& context, QWidget* parent)
     connect(settingsFile_, &QLineEdit::editingFinished, this,
             [this] { record_.setSettingsFile(settingsFile_->text().toStdString()); });
     connect(pick, &QPushButton::clicked, this, [this] {
-        if (const auto path = context_.dialogs.pickOpenFile(
-                screens::filter::Settings, record_.settingsFileText)) {
+        if (const auto path = context_.dialogs.pickOpenFile(screens::filter::Settings,
+                                                            record_.settingsFileText)) {
             record_.setSettingsFile(*path);
             showRecord();
         }
@@ -224,10 +223,9 @@ AdvSettingsDialog::AdvSettingsDialog(ScreenContext& context, QWidget* parent)
     conditionalLayout->addLayout(fixedRow);
     left->addStretch(1);
 
-    transformation_ =
-        optionBox(this, right, " Model Transformation ", "TransOption",
-                  {"None", "Fourth root", "Natural log", "Inverse Normal", "Box Cox"},
-                  [this](int id) { record_.selectTransformation(id); });
+    transformation_ = optionBox(this, right, " Model Transformation ", "TransOption",
+                                {"None", "Fourth root", "Natural log", "Inverse Normal", "Box Cox"},
+                                [this](int id) { record_.selectTransformation(id); });
     optimisation_ = optionBox(this, right, "Optimisation Algorithm ", "OptimisationOption",
                               {"Ordinary Least Squares", "Dual simplex"}, [this](int id) {
                                   record_.selectOptimisation(id);
@@ -240,8 +238,8 @@ AdvSettingsDialog::AdvSettingsDialog(ScreenContext& context, QWidget* parent)
         record_.setStepwise(on);
         showRecord();
     });
-    aic_ = optionBox(this, right, "Stepwise criterion", "AICOption", {"AIC criteria", "BIC criteria"},
-                     [this](int id) { record_.selectAic(id); });
+    aic_ = optionBox(this, right, "Stepwise criterion", "AICOption",
+                     {"AIC criteria", "BIC criteria"}, [this](int id) { record_.selectAic(id); });
 
     auto* profile = new QGroupBox(" Wet Day Percentage Profile", this);
     auto* grid = new QGridLayout(profile);

@@ -101,10 +101,9 @@ StatsSelectDialog::StatsSelectDialog(ScreenContext& context, QWidget* parent)
     }
     auto* deltaBox = new QGroupBox("Delta", periods);
     auto* deltaLayout = new QHBoxLayout(deltaBox);
-    deltaOption_ =
-        optionGroup(deltaBox, deltaLayout, "DeltaOption",
-                    {"Percentage Difference", "Absolute Difference"},
-                    [this](int id) { record_.deltaOption = id; });
+    deltaOption_ = optionGroup(deltaBox, deltaLayout, "DeltaOption",
+                               {"Percentage Difference", "Absolute Difference"},
+                               [this](int id) { record_.deltaOption = id; });
     selectOption(deltaOption_, record_.deltaOption);
     periodGrid->addWidget(deltaBox, row, 0, 1, 3);
     lower->addWidget(periods, 1);

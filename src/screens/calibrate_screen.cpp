@@ -11,7 +11,6 @@
 #include "core/series_file.hpp"
 #include "series/parameter_file.hpp"
 
-
 namespace varo::screens {
 
 namespace {

@@ -76,8 +76,8 @@ RunOutcome QualityScreen::check(Dialogs& dialogs, core::Progress& progress) {
                 warningsShown.emplace_back(FirstLineWarning);
                 dialogs.message("Warning Message", FirstLineWarning, Icon::Warning);
             }
-            const auto found =
-                dataprep::checkQuality(file.path, state_.globalMissingCode, state_.thresh, progress);
+            const auto found = dataprep::checkQuality(file.path, state_.globalMissingCode,
+                                                      state_.thresh, progress);
             results = found;
             showResults(found);
             dialogs.message("Quality check complete",

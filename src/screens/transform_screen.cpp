@@ -53,9 +53,9 @@ bool TransformScreen::checkLamda(Dialogs& dialogs) {
 }
 
 bool TransformScreen::checkShift(Dialogs& dialogs) {
-    if (!leftShiftText.check(dialogs, rangeCheck(0.0, 100.0,
-                                                 "Shift value must be a value between 0 and 100",
-                                                 "Shift value must be a value between 0 and 100."))) {
+    if (!leftShiftText.check(dialogs,
+                             rangeCheck(0.0, 100.0, "Shift value must be a value between 0 and 100",
+                                        "Shift value must be a value between 0 and 100."))) {
         return false;
     }
     shift = core::leadingNumber(leftShiftText.text);
@@ -76,9 +76,9 @@ bool TransformScreen::checkBinomial(Dialogs& dialogs) {
 }
 
 bool TransformScreen::checkColumns(Dialogs& dialogs) {
-    const FieldCheck inRange = rangeCheck(1.0, dataprep::MaxColumns,
-                                          "Number of columns must be a positive integer.",
-                                          "Number of columns must be a value between 1 and 100.");
+    const FieldCheck inRange =
+        rangeCheck(1.0, dataprep::MaxColumns, "Number of columns must be a positive integer.",
+                   "Number of columns must be a value between 1 and 100.");
     bool belowEnsemble = false;
     const bool ok = colsText.check(dialogs, [&](const std::string& text) -> Message {
         if (auto message = inRange(text)) {
@@ -101,9 +101,9 @@ bool TransformScreen::checkColumns(Dialogs& dialogs) {
 }
 
 bool TransformScreen::checkEnsemble(Dialogs& dialogs) {
-    const FieldCheck inRange = rangeCheck(1.0, dataprep::MaxColumns,
-                                          "Ensemble to extract must be a positive integer.",
-                                          "Ensemble to extract must be a value between 1 and 100.");
+    const FieldCheck inRange =
+        rangeCheck(1.0, dataprep::MaxColumns, "Ensemble to extract must be a positive integer.",
+                   "Ensemble to extract must be a value between 1 and 100.");
     const bool ok = ensembleExtractText.check(dialogs, [&](const std::string& text) -> Message {
         if (auto message = inRange(text)) {
             return message;

@@ -25,7 +25,7 @@ public:
     explicit TransformScreen(core::ProgramState& state);
 
     // Inputs as the screen shows them.
-    ChosenFile input;                // SelectFileText
+    ChosenFile input;              // SelectFileText
     ChosenFile output{NotEntered}; // SaveFileText
     TextField colsText{"1"};
     int option = dataprep::transform::NaturalLog; // Option1, codes 1 to 17

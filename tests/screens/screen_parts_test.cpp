@@ -32,8 +32,8 @@ TEST(FitPeriod, ChecksInOrderAgainstEachOtherAndTheRecord) {
 // Only the extension as written or in lower case counts, as the screens have always tested.
 TEST(FileChoice, ExtensionsInUpperOrLowerCaseOnly) {
     const std::pair<const char*, bool> parameterFiles[] = {
-        {"/m/model.PAR", true}, {"model.par", true}, {".PAR", true},      {"model.Par", false},
-        {"model.PAR.txt", false}, {"PAR", false},    {"", false},          {"rain.dat.par", true},
+        {"/m/model.PAR", true},   {"model.par", true}, {".PAR", true}, {"model.Par", false},
+        {"model.PAR.txt", false}, {"PAR", false},      {"", false},    {"rain.dat.par", true},
     };
     for (const auto& [path, expected] : parameterFiles) {
         EXPECT_EQ(screens::isParameterFile(path), expected) << path;
@@ -118,11 +118,11 @@ TEST(RangeCheck, BoundsAndMessages) {
         const char* message;
     };
     const Case cases[] = {
-        {"2", RangeEnds::Included, nullptr},     {"10", RangeEnds::Included, nullptr},
-        {"10.01", RangeEnds::Included, "out"},   {"1.99", RangeEnds::Included, "out"},
-        {"2", RangeEnds::Excluded, "out"},       {"10", RangeEnds::Excluded, "out"},
-        {"9.99", RangeEnds::Excluded, nullptr},  {"x", RangeEnds::Included, "none"},
-        {"", RangeEnds::Excluded, "none"},       {"1e999", RangeEnds::Included, "none"},
+        {"2", RangeEnds::Included, nullptr},    {"10", RangeEnds::Included, nullptr},
+        {"10.01", RangeEnds::Included, "out"},  {"1.99", RangeEnds::Included, "out"},
+        {"2", RangeEnds::Excluded, "out"},      {"10", RangeEnds::Excluded, "out"},
+        {"9.99", RangeEnds::Excluded, nullptr}, {"x", RangeEnds::Included, "none"},
+        {"", RangeEnds::Excluded, "none"},      {"1e999", RangeEnds::Included, "none"},
     };
     for (const Case& c : cases) {
         varo::testing::ScriptedDialogs dialogs;

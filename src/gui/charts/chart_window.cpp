@@ -110,7 +110,8 @@ void ChartWindow::printChart() {
 }
 
 void ChartWindow::savePicture() {
-    const auto path = dialogs_.pickSaveFile(screens::filter::Pictures, record_.state().defaultDir, "PNG");
+    const auto path =
+        dialogs_.pickSaveFile(screens::filter::Pictures, record_.state().defaultDir, "PNG");
     if (!path) {
         return;
     }

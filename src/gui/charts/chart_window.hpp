@@ -23,7 +23,6 @@ class ChartSettingsDialog;
 class ChartWindow : public QMainWindow {
     Q_OBJECT
 public:
-
     ChartWindow(core::ProgramState& state, screens::Dialogs& dialogs, charts::ChartModel model,
                 QWidget* parent);
     ~ChartWindow() override;
