@@ -63,6 +63,8 @@ CalibrateResultsDialog::CalibrateResultsDialog(ScreenContext& context,
     }
     auto* headingLabel = namedLabel("ReportHeading", this);
     headingLabel->setText(heading.join('\n'));
+    // The predictor names stand under one another, as in the text of the report.
+    headingLabel->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
     headingLabel->setTextInteractionFlags(Qt::TextSelectableByMouse);
     layout->addWidget(headingLabel);
 

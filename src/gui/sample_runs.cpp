@@ -88,6 +88,7 @@ const std::map<std::string, SampleRun, std::less<>>& sampleRuns() {
                                      {"ParmOpt0", "tb1Variance"})},
         {"screen-scatter",
          screening(&sampledata::SampleFiles::maximumTemperature, {"temp.dat"}, {"tb1Scatter"})},
+        {"calibrate-results", rainCalibration("GraphType0")},
         {"calibrate-scatter", rainCalibration("GraphType1")},
         {"calibrate-histogram", rainCalibration("GraphType2")},
         {"stats-results",
