@@ -60,7 +60,7 @@ TEST(CliScreen, VarianceJsonCarriesTheReportsTableAndEveryStatistic) {
     EXPECT_EQ(document["report"][2], "   Significance level: 0.01");
 }
 
-TEST(CliScreen, ScatterPrintsTheChartsPointsAndBadRunsExitTwoOrOne) {
+TEST(CliScreen, ScatterPrintsTheChartsPoints) {
     TempDir dir;
     const auto run = runVaro(dir, {"screen", "scatter", Data + "predictand.dat",
                                    Data + "p1_mslp.dat", "--end", "03/01/1961"});
@@ -68,6 +68,11 @@ TEST(CliScreen, ScatterPrintsTheChartsPointsAndBadRunsExitTwoOrOne) {
     EXPECT_EQ(run.out, "0 missing value(s): predictand.dat\n"
                        "p1_mslp.dat predictand.dat\n"
                        "1011.31 -2.65\n1008.86 -12.28\n1014.2 -11.81\n");
+}
+
+// A refusal exits 2, a failure of the run 1.
+TEST(CliScreen, BadRunsExitTwoOrOne) {
+    TempDir dir;
     const auto none = runVaro(dir, {"screen", "scatter", Data + "predictand.dat"});
     EXPECT_EQ(none.exitCode, 2);
     EXPECT_EQ(none.err, "Error Message: You must select one predictor to plot with.\n");

@@ -123,10 +123,10 @@ std::vector<TextTable> printedTables(const std::string& out) {
 
 } // namespace
 
-TEST(CliStats, PrintedTablesAreTheResultsFilesTablesAndQuietPrintsNone) {
-    // An ensemble mean with deltas: every kind of table, and missing cells where Period C
-    // has no autumn.
-    const std::vector<std::string> options = {"--ensemble-mean",
+namespace {
+// An ensemble mean with deltas: every kind of table, and missing cells where Period C has
+// no autumn.
+const std::vector<std::string> EveryTable = {"--ensemble-mean",
                                               "--stats",
                                               "Mean,Variance,Count,ACF",
                                               "--delta",
@@ -139,16 +139,23 @@ TEST(CliStats, PrintedTablesAreTheResultsFilesTablesAndQuietPrintsNone) {
                                               "01/01/1965:31/12/1966",
                                               "--period-c",
                                               "01/01/1967:30/06/1967"};
+} // namespace
+
+TEST(CliStats, PrintedTablesAreTheResultsFilesTables) {
     TempDir dir;
-    const auto run = runStats(dir, data("deltas.OUT"), dir.path("r.txt"), options);
+    const auto run = runStats(dir, data("deltas.OUT"), dir.path("r.txt"), EveryTable);
     ASSERT_EQ(run.exitCode, 0) << run.err;
     const auto expected = resultsFileTables(readFile(dir.path("r.txt")));
     ASSERT_EQ(expected.size(), 7u); // statistics, deviations, three deltas, T, degrees
     EXPECT_EQ(printedTables(run.out), expected) << run.out;
     EXPECT_NE(run.out.find("\nAutumn   "), std::string::npos);
     EXPECT_NE(run.out.find("-999.000"), std::string::npos);
+}
 
-    auto quiet = options;
+TEST(CliStats, QuietPrintsNoTableButWritesTheSameFile) {
+    TempDir dir;
+    ASSERT_EQ(runStats(dir, data("deltas.OUT"), dir.path("r.txt"), EveryTable).exitCode, 0);
+    auto quiet = EveryTable;
     quiet.insert(quiet.begin(), "--quiet");
     const auto silent = runStats(dir, data("deltas.OUT"), dir.path("q.txt"), quiet);
     ASSERT_EQ(silent.exitCode, 0) << silent.err;
