@@ -188,9 +188,11 @@ ExplainedVariance explainVariance(const ScreeningRequest& request, const core::P
 
 namespace {
 
-core::ResultsTable monthTable(const ExplainedVariance& result, std::string title) {
+core::ResultsTable monthTable(const ExplainedVariance& result, std::string title,
+                              std::string pattern = "0.000") {
     core::ResultsTable table;
     table.title = std::move(title);
+    table.numberPattern = std::move(pattern);
     table.rowHeading = "Predictor";
     table.columns.assign(std::begin(MonthHeadings), std::end(MonthHeadings));
     table.missingText = "";
@@ -217,7 +219,8 @@ core::ResultsTable varianceTable(const ExplainedVariance& result, float sigLevel
 
 core::ResultsTable varianceStatisticTable(const ExplainedVariance& result,
                                           std::string_view statistic) {
-    core::ResultsTable table = monthTable(result, std::string(statistic));
+    core::ResultsTable table =
+        monthTable(result, std::string(statistic), statistic == "n" ? "0" : "0.000");
     for (size_t i = 0; i < result.names.size(); ++i) {
         for (const VarianceCell& cell : result.cells[i]) {
             const double value = statistic == "n"   ? static_cast<double>(cell.n)
@@ -227,9 +230,6 @@ core::ResultsTable varianceStatisticTable(const ExplainedVariance& result,
                                                     : cell.rSquared;
             table.rows[i].cells.push_back({value, false});
         }
-    }
-    if (statistic == "n") {
-        table.numberPattern = "0";
     }
     return table;
 }
