@@ -72,7 +72,8 @@ void Correlation(benchmark::State& state) {
     for (auto _ : state) {
         const auto data = varo::screening::assembleScreeningData(asked, programState(), progress);
         const auto result = varo::screening::correlate(data, false, programState());
-        const auto report = varo::screening::correlationReport(data, result, {}, false);
+        const auto report = varo::screening::correlationReport(
+            data, varo::screening::correlationTables(data, result), {}, false);
         benchmark::DoNotOptimize(report.lines.size());
     }
 }
@@ -84,7 +85,8 @@ void ExplainedVariance(benchmark::State& state) {
     asked.autoregression = true;
     for (auto _ : state) {
         const auto result = varo::screening::explainVariance(asked, programState(), progress);
-        const auto report = varo::screening::varianceReport(result, {}, 0.05f);
+        const auto report = varo::screening::varianceReport(
+            result, varo::screening::varianceTable(result, 0.05f), {});
         benchmark::DoNotOptimize(report.lines.size());
     }
 }

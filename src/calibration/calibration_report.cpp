@@ -76,33 +76,35 @@ Column crossValidationColumn(const std::string& heading, const CrossValidationTa
     return column;
 }
 
-ReportTable makeTable(const core::ProgramState& state, const CalibrationResults& results,
-                      const std::string& title, size_t firstRow, const std::vector<Column>& columns,
-                      size_t crossValidationStart, const std::string& missingText) {
+core::ResultsTable makeTable(const core::ProgramState& state, const CalibrationResults& results,
+                             const std::string& title, size_t firstRow,
+                             const std::vector<Column>& columns, size_t crossValidationStart,
+                             const std::string& missingText) {
     const double missing = state.globalMissingCode;
-    static const core::NumberFormat format(" #0.0000");
-    ReportTable table;
+    core::ResultsTable table;
     table.title = title;
-    table.headings.push_back("Month");
+    table.rowHeading = "Month";
+    table.numberPattern = " #0.0000";
+    table.missingText = missingText;
     for (const Column& column : columns) {
-        table.headings.push_back(column.heading);
+        table.columns.push_back(column.heading);
     }
     if (crossValidationStart < columns.size()) {
-        table.crossValidationTitle = "Cross Validation Results";
-        table.crossValidationColumn = crossValidationStart + 1;
+        table.columnGroups.push_back({"Cross Validation Results", crossValidationStart});
     }
     for (size_t m = 0; m <= 12; ++m) {
-        std::vector<ReportCell> row{{m < 12 ? state.periodNames[m + 1] : "Mean", false}};
+        core::ResultsTable::Row& row = table.rows.emplace_back();
+        row.label = m < 12 ? state.periodNames[m + 1] : "Mean";
         for (const Column& column : columns) {
             const double value = column.values[m];
-            ReportCell cell{value == missing ? missingText : format.format(value), false};
-            if (column.chow && m < 12 && value != missing) {
+            core::ResultsTable::Cell cell{
+                value == missing ? std::nullopt : std::optional<double>(value), false};
+            if (column.chow && m < 12 && cell.value) {
                 const MonthStatistics& fit = results.statistics[firstRow + m];
-                cell.aboveCritical = value > chowCriticalValue(fit.rows, fit.predictors);
+                cell.highlighted = value > chowCriticalValue(fit.rows, fit.predictors);
             }
-            row.push_back(std::move(cell));
+            row.cells.push_back(cell);
         }
-        table.rows.push_back(std::move(row));
     }
     return table;
 }
@@ -165,10 +167,10 @@ CalibrationReport buildReport(const core::ProgramState& state, const Calibration
         report.tables.push_back(makeTable(state, results, "Conditional Statistics", 12, amounts,
                                           amountStart, "N/A     "));
     }
-    for (const ReportTable& table : report.tables) {
+    for (const core::ResultsTable& table : report.tables) {
         for (const auto& row : table.rows) {
-            for (const ReportCell& cell : row) {
-                report.anyAboveCritical = report.anyAboveCritical || cell.aboveCritical;
+            for (const auto& cell : row.cells) {
+                report.anyAboveCritical = report.anyAboveCritical || cell.highlighted;
             }
         }
     }
@@ -304,23 +306,27 @@ std::string reportText(const CalibrationReport& report) {
     for (const std::string& line : report.headingLines) {
         text += line + "\n";
     }
-    for (const ReportTable& table : report.tables) {
+    for (const core::ResultsTable& table : report.tables) {
         std::string title = "\n" + table.title;
-        if (!table.crossValidationTitle.empty()) {
-            title.resize(std::max(title.size() + 1, 1 + ColumnWidth * table.crossValidationColumn),
+        for (const core::ResultsTable::ColumnGroup& group : table.columnGroups) {
+            // The group's title stands over its first column (the label column is one more).
+            title.resize(std::max(title.size() + 1, 1 + ColumnWidth * (group.firstColumn + 1)),
                          ' ');
-            title += table.crossValidationTitle;
+            title += group.title;
         }
         text += title + "\n";
         std::string headings;
-        for (const std::string& heading : table.headings) {
+        appendCell(headings, table.rowHeading);
+        for (const std::string& heading : table.columns) {
             appendCell(headings, heading);
         }
         text += withoutTrailingBlanks(headings) + "\n";
         for (const auto& row : table.rows) {
             std::string line;
-            for (const ReportCell& cell : row) {
-                appendCell(line, cell.aboveCritical ? cell.text + "*" : cell.text);
+            appendCell(line, row.label);
+            for (const auto& cell : row.cells) {
+                const std::string shown = table.cellText(cell);
+                appendCell(line, cell.highlighted ? shown + "*" : shown);
             }
             text += withoutTrailingBlanks(line) + "\n";
         }

@@ -1,5 +1,5 @@
-// The calibration report: the heading lines and the tables of fit statistics by month,
-// as a page of text and as cells for the screens that lay them out themselves.
+// The calibration report: the heading lines and the tables of fit statistics by month, as
+// results tables (which the desktop and JSON show) and as a page of text.
 //
 // The first table ("Unconditional Statistics", for the main or occurrence model) has the
 // columns Month, RSquared, SE, then D-Watson (unconditional) or Prop Correct
@@ -7,9 +7,9 @@
 // table "Conditional Statistics" of its amount model: Month, RSquared, SE (and Chow).
 // Values are formatted " #0.0000"; a missing value reads "N/A    " in the first table and
 // "N/A     " in the second. A last row "Mean" averages the months that are not missing. A
-// Chow value above its critical value (by the days and predictors of its fit) is marked.
-// Cross-validation results, when there are any, add columns under "Cross Validation
-// Results".
+// Chow value above its critical value (by the days and predictors of its fit) is picked
+// out. Cross-validation results, when there are any, add columns under the column group
+// "Cross Validation Results".
 //
 // After the report come the fitted coefficients as results tables, one row a month, season
 // or the year, with the numbers as the parameter file holds them, and what a stepwise
@@ -30,22 +30,9 @@ namespace varo::calibration {
 // The critical value of the Chow statistic for a fit of n days on k predictors.
 double chowCriticalValue(int days, int predictors);
 
-struct ReportCell {
-    std::string text;
-    bool aboveCritical = false; // a Chow value above its critical value
-};
-
-struct ReportTable {
-    std::string title;
-    std::string crossValidationTitle; // empty without cross validation
-    std::vector<std::string> headings;
-    size_t crossValidationColumn = 0;          // first column of the cross-validation part
-    std::vector<std::vector<ReportCell>> rows; // 12 months and "Mean"; first cell the name
-};
-
 struct CalibrationReport {
     std::vector<std::string> headingLines;
-    std::vector<ReportTable> tables;
+    std::vector<core::ResultsTable> tables; // the main model's, then the amounts'
     bool anyAboveCritical = false;
 };
 
@@ -59,7 +46,7 @@ struct ReportOptions {
 CalibrationReport buildReport(const core::ProgramState& state, const CalibrationResults& results,
                               const ReportOptions& options);
 
-// The report as lines of text with columns 14 characters wide; a marked Chow value is
+// The report as lines of text with columns 14 characters wide; a picked-out Chow value is
 // followed by "*" and a note under the tables says what the mark means.
 std::string reportText(const CalibrationReport& report);
 

@@ -12,20 +12,6 @@ std::string boundText(int bound) {
     return std::to_string(bound);
 }
 
-// A value within [low, high]; one message for text that is not a number, one for a number
-// outside the bounds.
-CheckMessage checkRange(const std::string& text, int low, int high, const char* notANumber,
-                        const std::string& outside) {
-    if (!core::isNumeric(text)) {
-        return notANumber;
-    }
-    const double value = core::leadingNumber(text);
-    if (value < low || value > high) {
-        return outside;
-    }
-    return std::nullopt;
-}
-
 CheckMessage checkValue(const std::string& text, const char* message) {
     if (!core::isNumeric(text)) {
         return message;
@@ -35,19 +21,11 @@ CheckMessage checkValue(const std::string& text, const char* message) {
 
 } // namespace
 
-double fieldNumber(const std::string& text) {
-    return core::leadingNumber(text);
-}
-
-int fieldInteger(const std::string& text) {
-    return static_cast<int>(core::roundHalfEven(core::leadingNumber(text)));
-}
-
 CheckMessage checkMinY(const std::string& text, double maximum) {
     if (!core::isNumeric(text)) {
         return "Minimum Y axis value for these data must be a value.";
     }
-    if (!(fieldNumber(text) < maximum)) {
+    if (!(core::leadingNumber(text) < maximum)) {
         return "Minimum Y axis value must be less than maximum value.";
     }
     return std::nullopt;
@@ -57,7 +35,7 @@ CheckMessage checkMaxY(const std::string& text, double minimum) {
     if (!core::isNumeric(text)) {
         return "Maximum Y axis value for these data must be a value.";
     }
-    if (!(fieldNumber(text) > minimum)) {
+    if (!(core::leadingNumber(text) > minimum)) {
         return "Maximum Y axis value must be greater than minimum value.";
     }
     return std::nullopt;
@@ -66,21 +44,14 @@ CheckMessage checkMaxY(const std::string& text, double minimum) {
 CheckMessage checkTicks(const std::string& text) {
     const std::string message = "Ticks must be a value between " + boundText(MinTicks) + " and " +
                                 boundText(MaxTicks) + ".";
-    if (!core::isNumeric(text)) {
-        return message;
-    }
-    const double value = fieldNumber(text);
-    if (value < MinTicks || value > MaxTicks) {
-        return message;
-    }
-    return std::nullopt;
+    return core::rangeRefusal(text, MinTicks, MaxTicks, message, message);
 }
 
 CheckMessage checkXLabelGap(const std::string& text, int upperBound) {
-    if (!core::isNumeric(text) || fieldNumber(text) != std::trunc(fieldNumber(text))) {
+    const double value = core::leadingNumber(text);
+    if (!core::isNumeric(text) || value != std::trunc(value)) {
         return "Gap between x-axis labels must be an integer.";
     }
-    const double value = fieldNumber(text);
     if (value < 0 || value > upperBound) {
         return "Gap between x-axis labels must be between 0 and " + boundText(upperBound) + ".";
     }
@@ -88,30 +59,24 @@ CheckMessage checkXLabelGap(const std::string& text, int upperBound) {
 }
 
 CheckMessage checkPenWidth(const std::string& text) {
-    return checkRange(text, MinPenWidth, MaxPenWidth, "Pen width must be a value.",
-                      "Pen width must be a value between 1 and 100.");
+    return core::rangeRefusal(text, MinPenWidth, MaxPenWidth, "Pen width must be a value.",
+                              "Pen width must be a value between 1 and 100.");
 }
 
 CheckMessage checkDotSize(const std::string& text) {
-    return checkRange(text, MinDotSize, MaxDotSize, "Dot size must be a value.",
-                      "Dot size must be a value between 50 and 250.");
+    return core::rangeRefusal(text, MinDotSize, MaxDotSize, "Dot size must be a value.",
+                              "Dot size must be a value between 50 and 250.");
 }
 
 CheckMessage checkLineSize(const std::string& text) {
-    return checkRange(text, MinLineSize, MaxLineSize, "Line width must be a value.",
-                      "Line width must be a value between 10 and 200.");
+    return core::rangeRefusal(text, MinLineSize, MaxLineSize, "Line width must be a value.",
+                              "Line width must be a value between 10 and 200.");
 }
 
 CheckMessage checkYAxisDivision(const std::string& text) {
-    if (!core::isNumeric(text)) {
-        return "Y axis division must be a value.";
-    }
-    const double value = fieldNumber(text);
-    if (value < MinTicks || value > MaxTicks) {
-        return "Y axis division must be between " + boundText(MinTicks) + " and " +
-               boundText(MaxTicks) + ".";
-    }
-    return std::nullopt;
+    return core::rangeRefusal(text, MinTicks, MaxTicks, "Y axis division must be a value.",
+                              "Y axis division must be between " + boundText(MinTicks) + " and " +
+                                  boundText(MaxTicks) + ".");
 }
 
 CheckMessage checkYMin(const std::string& text) {

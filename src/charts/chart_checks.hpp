@@ -39,9 +39,4 @@ CheckMessage checkYMax(const std::string& text);
 // YMinText and YMaxText together, when the chart takes them.
 CheckMessage checkYMinBelowYMax(double minimum, double maximum);
 
-// The number a field holds once it has passed its check, and the same rounded to an integer
-// (ties to even).
-double fieldNumber(const std::string& text);
-int fieldInteger(const std::string& text);
-
 } // namespace varo::charts

@@ -180,30 +180,4 @@ void CliContext::reportWritten(std::string_view what, const std::string& path) {
     }
 }
 
-nlohmann::ordered_json tableJson(const core::ResultsTable& table) {
-    nlohmann::ordered_json document;
-    document["title"] = table.title;
-    document["rowHeading"] = table.rowHeading;
-    document["columns"] = table.columns;
-    auto rows = nlohmann::ordered_json::array();
-    for (const auto& row : table.rows) {
-        auto values = nlohmann::ordered_json::array();
-        auto highlighted = nlohmann::ordered_json::array();
-        bool anyHighlighted = false;
-        for (const auto& cell : row.cells) {
-            values.push_back(cell.value ? nlohmann::ordered_json(*cell.value)
-                                        : nlohmann::ordered_json());
-            highlighted.push_back(cell.highlighted);
-            anyHighlighted = anyHighlighted || cell.highlighted;
-        }
-        nlohmann::ordered_json entry{{"label", row.label}, {"values", values}};
-        if (anyHighlighted) {
-            entry["highlighted"] = highlighted;
-        }
-        rows.push_back(std::move(entry));
-    }
-    document["rows"] = rows;
-    return document;
-}
-
 } // namespace varo::cli

@@ -137,10 +137,6 @@ private:
     void (*previous_)(int) = nullptr;
 };
 
-// A results table as data: its title, columns and rows, each row its label and values
-// (missing cells are null); rows with highlighted cells list them as "highlighted" flags.
-nlohmann::ordered_json tableJson(const core::ResultsTable& table);
-
 // Newlines in the system's texts are CR LF; a terminal wants LF.
 std::string withUnixLineEnds(std::string_view text);
 

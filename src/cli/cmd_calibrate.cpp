@@ -36,58 +36,11 @@ struct CalibrateOptions {
 
 using Screen = screens::CalibrateScreen;
 
-nlohmann::ordered_json number(double value, double missing) {
-    return value == missing ? nlohmann::ordered_json() : nlohmann::ordered_json(value);
-}
-
-nlohmann::ordered_json monthRows(const core::ProgramState& state,
-                                 const calibration::CalibrationResults& results, size_t first,
-                                 const char* third, bool chow) {
-    const double missing = state.globalMissingCode;
-    nlohmann::ordered_json rows = nlohmann::ordered_json::array();
-    for (size_t m = 0; m < 12; ++m) {
-        const calibration::MonthStatistics& row = results.statistics[first + m];
-        nlohmann::ordered_json month;
-        month["month"] = state.periodNames[m + 1];
-        month["rSquared"] = number(row.rSquared, missing);
-        month["standardError"] = number(row.standardError, missing);
-        if (third != nullptr) {
-            month[third] = number(row.third, missing);
-        }
-        if (chow) {
-            month["chow"] = number(row.chow, missing);
-            const double critical = calibration::chowCriticalValue(row.rows, row.predictors);
-            month["chowCritical"] = critical;
-            month["chowAboveCritical"] = row.chow != missing && row.chow > critical;
-        }
-        rows.push_back(std::move(month));
-    }
-    return rows;
-}
-
-// The cross-validation metrics of a stage by name and row of the table.
-nlohmann::ordered_json
-crossValidationRows(const core::ProgramState& state, const calibration::CrossValidationTable& table,
-                    const std::vector<std::pair<const char*, int>>& metrics) {
-    const double missing = state.globalMissingCode;
-    nlohmann::ordered_json rows = nlohmann::ordered_json::array();
-    for (size_t m = 0; m < 12; ++m) {
-        nlohmann::ordered_json month;
-        month["month"] = state.periodNames[m + 1];
-        for (const auto& [name, row] : metrics) {
-            month[name] = number(table[static_cast<size_t>(row)][m], missing);
-        }
-        rows.push_back(std::move(month));
-    }
-    return rows;
-}
-
-nlohmann::ordered_json jsonReport(const core::ProgramState& state, const Screen& screen,
-                                  const CalibrateOptions& options,
-                                  const std::vector<std::string>& warnings) {
+Json jsonReport(const Screen& screen, const CalibrateOptions& options,
+                const std::vector<std::string>& warnings) {
     const calibration::CalibrationResults& results = *screen.results;
-    const bool conditional = screen.parmOpt == Screen::Conditional;
-    nlohmann::ordered_json document;
+    const std::vector<core::ResultsTable>& statistics = screen.report->tables;
+    Json document;
     document["parameterFile"] = screen.parFileText;
     document["predictand"] = results.parameters.predictandName;
     document["predictors"] = results.parameters.predictorNames;
@@ -96,33 +49,11 @@ nlohmann::ordered_json jsonReport(const core::ProgramState& state, const Screen&
     document["autoregression"] = results.parameters.autoregression;
     document["fitStart"] = screen.fsDate.text;
     document["fitEnd"] = screen.feDate.text;
-    document["months"] = monthRows(state, results, 0, conditional ? "propCorrect" : "durbinWatson",
-                                   screen.includeChow);
-    if (conditional) {
-        document["amounts"] = monthRows(state, results, 12, nullptr, screen.includeChow);
+    document["months"] = tableJson(statistics.at(0));
+    if (statistics.size() > 1) {
+        document["amounts"] = tableJson(statistics[1]);
     }
-    if (results.crossValidation) {
-        const auto& table = *results.crossValidation;
-        document["crossValidation"] =
-            conditional
-                ? crossValidationRows(state, table,
-                                      {{"propCorrect", 0}, {"standardError", 4}, {"rSquared", 5}})
-                : crossValidationRows(state, table,
-                                      {{"rSquared", 3},
-                                       {"standardError", 0},
-                                       {"durbinWatson", 4},
-                                       {"spearman", 1},
-                                       {"bias", 2}});
-        if (conditional) {
-            document["amountCrossValidation"] = crossValidationRows(
-                state, table, {{"rSquared", 3}, {"standardError", 2}, {"spearman", 1}});
-        }
-    }
-    nlohmann::ordered_json coefficients = nlohmann::ordered_json::array();
-    for (const core::ResultsTable& table : screen.coefficients) {
-        coefficients.push_back(tableJson(table));
-    }
-    document["coefficients"] = coefficients;
+    document["coefficients"] = tablesJson(screen.coefficients);
     if (results.stepwise) {
         const calibration::StepwiseChoice& choice = *results.stepwise;
         document["stepwise"] = {{"criterion", choice.aic ? "AIC" : "BIC"},
@@ -198,8 +129,8 @@ int runCalibrate(CliContext& context, CalibrateOptions& options) {
     }
     context.options.yes = context.options.yes || options.yes;
     Screen screen(context.state);
-    screen.choosePredictand(options.predictand);
-    screen.choosePredictors(options.predictors);
+    screen.predictand.choose(options.predictand);
+    screen.predictors.choose(options.predictors);
     screen.chooseParFile(options.parFile);
     static const std::map<std::string, int> models{
         {"monthly", Screen::Monthly}, {"seasonal", Screen::Seasonal}, {"annual", Screen::Annual}};
@@ -229,8 +160,7 @@ int runCalibrate(CliContext& context, CalibrateOptions& options) {
     if (outcome == screens::RunOutcome::Done) {
         context.reportWritten("Parameter file", screen.parFileText);
         if (context.options.json) {
-            context.printJson(
-                jsonReport(context.state, screen, options, context.dialogs().warnings()));
+            context.printJson(jsonReport(screen, options, context.dialogs().warnings()));
         } else {
             printReport(context, screen.reportText());
             printCoefficients(context, screen);

@@ -21,8 +21,6 @@ namespace varo::cli {
 
 namespace {
 
-using Json = nlohmann::ordered_json;
-
 struct DemoOptions {
     std::string folder = "demo-output";
     bool shortRun = false; // six observed years and five members, for tests
@@ -101,26 +99,22 @@ std::string padded(std::string text, size_t width) {
     return text;
 }
 
-const Json& tableRow(const Json& table, const std::string& period) {
-    for (const Json& row : table) {
-        if (row["period"] == period) {
-            return row;
+// A value of a results table of JSON output, by its row's label and its column's name.
+double tableValue(const Json& table, const std::string& row, const std::string& column) {
+    const Json& columns = table["columns"];
+    const auto at = std::find(columns.begin(), columns.end(), column);
+    for (const Json& entry : table["rows"]) {
+        if (entry["label"] == row && at != columns.end()) {
+            return entry["values"][static_cast<size_t>(at - columns.begin())].get<double>();
         }
     }
-    throw core::Failure(core::failure::TypeMismatch, "No row '" + period + "' in a results table.");
+    throw core::Failure(core::failure::TypeMismatch,
+                        "No value '" + column + "' of '" + row + "' in a results table.");
 }
 
-// The mean over the months that have the value (a missing statistic is null).
-double meanOf(const Json& months, const char* key) {
-    double sum = 0.0;
-    int count = 0;
-    for (const Json& month : months) {
-        if (month[key].is_number()) {
-            sum += month[key].get<double>();
-            ++count;
-        }
-    }
-    return count > 0 ? sum / count : 0.0;
+// The calibration report's mean of the months that have the statistic.
+double meanOf(const Json& months, const std::string& statistic) {
+    return tableValue(months, "Mean", statistic);
 }
 
 void printSkill(CliContext& context, const Json& precipitation, const Json& temperature,
@@ -129,14 +123,14 @@ void printSkill(CliContext& context, const Json& precipitation, const Json& temp
                       precipitation["fitStart"].get<std::string>() + " to " +
                       precipitation["fitEnd"].get<std::string>() + ", mean of the months):");
     context.printLine("  precipitation occurrence: R squared " +
-                      fixed(meanOf(precipitation["months"], "rSquared"), 3) +
+                      fixed(meanOf(precipitation["months"], "RSquared"), 3) +
                       ", proportion correct " +
-                      fixed(meanOf(precipitation["months"], "propCorrect"), 3));
+                      fixed(meanOf(precipitation["months"], "Prop Correct"), 3));
     context.printLine("  precipitation amounts (fourth root): R squared " +
-                      fixed(meanOf(precipitation["amounts"], "rSquared"), 3));
+                      fixed(meanOf(precipitation["amounts"], "RSquared"), 3));
     context.printLine(
-        "  maximum temperature: R squared " + fixed(meanOf(temperature["months"], "rSquared"), 3) +
-        ", standard error " + fixed(meanOf(temperature["months"], "standardError"), 2) +
+        "  maximum temperature: R squared " + fixed(meanOf(temperature["months"], "RSquared"), 3) +
+        ", standard error " + fixed(meanOf(temperature["months"], "SE"), 2) +
         " deg C (the sample data's built-in noise: " + fixed(sampledata::TmaxNoise, 2) + ")");
     double temp = 0.0;
     double p500 = 0.0;
@@ -160,17 +154,18 @@ void printComparison(CliContext& context, const Json& observed, const Json& mode
                       " members, ensemble mean):");
     context.printLine("  season   wet days %     wet-day mean mm    max temperature C");
     context.printLine("           obs    mod       obs     mod        obs     mod");
-    for (const char* season : {"Winter", "Spring", "Summer", "Autumn", "Annual"}) {
-        const Json& o = tableRow(observed["table"], season);
-        const Json& m = tableRow(modelled["table"], season);
-        const Json& ot = tableRow(observedTmax["table"], season);
-        const Json& mt = tableRow(modelledTmax["table"], season);
-        std::string line = "  " + std::string(season);
-        line.append(9 - std::string(season).size(), ' ');
-        line += padded(fixed(100.0 * o["Wet-days%"].get<double>(), 1), 5) +
-                padded(fixed(100.0 * m["Wet-days%"].get<double>(), 1), 7) +
-                padded(fixed(o["Mean"], 2), 10) + padded(fixed(m["Mean"], 2), 8) +
-                padded(fixed(ot["Mean"], 2), 11) + padded(fixed(mt["Mean"], 2), 8);
+    for (const std::string season : {"Winter", "Spring", "Summer", "Autumn", "Annual"}) {
+        const auto value = [&](const Json& results, const char* statistic) {
+            return tableValue(results["table"], season, statistic);
+        };
+        std::string line = "  " + season;
+        line.append(9 - season.size(), ' ');
+        line += padded(fixed(100.0 * value(observed, "Wet-days%"), 1), 5) +
+                padded(fixed(100.0 * value(modelled, "Wet-days%"), 1), 7) +
+                padded(fixed(value(observed, "Mean"), 2), 10) +
+                padded(fixed(value(modelled, "Mean"), 2), 8) +
+                padded(fixed(value(observedTmax, "Mean"), 2), 11) +
+                padded(fixed(value(modelledTmax, "Mean"), 2), 8);
         context.printLine(line);
     }
 }
@@ -182,13 +177,14 @@ void printProjection(CliContext& context, const Json& precipitation, const Json&
     const Json& precipPeriods = precipitation["delta"]["periods"];
     const Json& tmaxPeriods = temperature["delta"]["periods"];
     for (size_t i = 0; i < precipPeriods.size(); ++i) {
-        const Json& p = tableRow(precipPeriods[i]["table"], "Annual");
-        const Json& t = tableRow(tmaxPeriods[i]["table"], "Annual");
+        const Json& p = precipPeriods[i]["table"];
+        const Json& t = tmaxPeriods[i]["table"];
         const std::string span = precipPeriods[i]["start"].get<std::string>().substr(6) + "-" +
                                  precipPeriods[i]["end"].get<std::string>().substr(6);
-        context.printLine("  " + span + "    " + padded(signedFixed(p["Mean"], 1), 6) + " %     " +
-                          padded(signedFixed(p["Wet-days%"], 1), 6) + " %    " +
-                          padded(signedFixed(t["Mean"], 2), 6) + " deg C");
+        context.printLine(
+            "  " + span + "    " + padded(signedFixed(tableValue(p, "Annual", "Mean"), 1), 6) +
+            " %     " + padded(signedFixed(tableValue(p, "Annual", "Wet-days%"), 1), 6) + " %    " +
+            padded(signedFixed(tableValue(t, "Annual", "Mean"), 2), 6) + " deg C");
     }
 }
 

@@ -21,11 +21,10 @@ struct GenerateOptions {
     std::optional<std::string> ensemble;
 };
 
-nlohmann::ordered_json jsonReport(const screens::SynthesizeScreen& screen,
-                                  const std::vector<std::string>& warnings) {
-    nlohmann::ordered_json document;
-    document["out"] = screen.outFilePath;
-    document["sim"] = series::simPathFor(screen.outFilePath);
+Json jsonReport(const screens::SynthesizeScreen& screen, const std::vector<std::string>& warnings) {
+    Json document;
+    document["out"] = screen.outFile.path;
+    document["sim"] = series::simPathFor(screen.outFile.path);
     document["start"] = screen.fStartText.text;
     document["days"] = std::stol(screen.fLengthText.text);
     document["ensemble"] = std::stoi(screen.eSize.text);
@@ -45,9 +44,9 @@ int runGenerate(CliContext& context, const GenerateOptions& options) {
         return refused;
     }
     screens::SynthesizeScreen screen(context.state);
-    screen.chooseParFile(options.parameterFile);
+    screen.parFile.choose(options.parameterFile);
     screen.setPredictorFolder(options.predictorFolder);
-    screen.chooseOutFile(options.outFile);
+    screen.outFile.choose(options.outFile);
     const auto details = screen.viewDetails(context.dialogs());
     if (details != screens::RunOutcome::Done) {
         return exitCodeFor(details);
@@ -60,13 +59,13 @@ int runGenerate(CliContext& context, const GenerateOptions& options) {
     const auto outcome = screen.synthesize(context.dialogs(), context.progress());
     if (outcome == screens::RunOutcome::Cancelled && screen.outputStarted) {
         context.progress().finish();
-        context.err << "Cancelled: '" << screen.outFilePath
+        context.err << "Cancelled: '" << screen.outFile.path
                     << "' is incomplete: it holds only the days written before the cancel, and '"
-                    << series::simPathFor(screen.outFilePath) << "' is empty.\n";
+                    << series::simPathFor(screen.outFile.path) << "' is empty.\n";
     }
     if (outcome == screens::RunOutcome::Done) {
-        context.reportWritten("OUT file", screen.outFilePath);
-        context.reportWritten("SIM file", series::simPathFor(screen.outFilePath));
+        context.reportWritten("OUT file", screen.outFile.path);
+        context.reportWritten("SIM file", series::simPathFor(screen.outFile.path));
         if (context.options.json) {
             context.printJson(jsonReport(screen, context.dialogs().warnings()));
         }

@@ -20,16 +20,14 @@ void printReport(CliContext& context, const screens::QualityScreen& screen) {
     context.printLine("Values above threshold: " + screen.threshCountText);
 }
 
-nlohmann::ordered_json jsonReport(const dataprep::QualityResults& results,
-                                  const std::vector<std::string>& warnings) {
-    nlohmann::ordered_json document;
+Json jsonReport(const dataprep::QualityResults& results, const std::vector<std::string>& warnings) {
+    Json document;
     document["values"] = results.total;
     document["missing"] = results.missing;
     document["ok"] = results.ok;
     document["minimum"] = results.minimum;
     document["maximum"] = results.maximum;
-    document["mean"] =
-        results.mean ? nlohmann::ordered_json(*results.mean) : nlohmann::ordered_json();
+    document["mean"] = numberJson(results.mean);
     document["maxDiff"] = results.maxDiff;
     document["maxDiffFirst"] = results.maxDiffFirst;
     document["maxDiffSecond"] = results.maxDiffSecond;
@@ -43,7 +41,7 @@ int runQc(CliContext& context, const std::string& file) {
         return refused;
     }
     screens::QualityScreen screen(context.state);
-    screen.chooseFile(file);
+    screen.file.choose(file);
     const auto outcome = screen.check(context.dialogs(), context.progress());
     if (outcome == screens::RunOutcome::Done) {
         if (context.options.json) {

@@ -45,11 +45,10 @@ int periodEntryOf(const core::ProgramState& state, const std::string& name) {
     return 0;
 }
 
-nlohmann::ordered_json commonJson(const ScreenOptions& options,
-                                  const screens::ScreenVarsScreen& screen) {
-    nlohmann::ordered_json document;
+Json commonJson(const ScreenOptions& options, const screens::ScreenVarsScreen& screen) {
+    Json document;
     document["analysis"] = options.analysis;
-    document["predictand"] = screen.ptandText;
+    document["predictand"] = screen.predictand.text;
     document["predictors"] = screen.fileList;
     document["fitStart"] = screen.fsDate.text;
     document["fitEnd"] = screen.feDate.text;
@@ -57,53 +56,21 @@ nlohmann::ordered_json commonJson(const ScreenOptions& options,
     return document;
 }
 
-nlohmann::ordered_json correlationJson(const ScreenOptions& options,
-                                       const screens::ScreenVarsScreen& screen) {
+Json correlationJson(const ScreenOptions& options, const screens::ScreenVarsScreen& screen) {
     const auto& data = *screen.data;
-    const auto& result = *screen.correlation;
-    nlohmann::ordered_json document = commonJson(options, screen);
+    Json document = commonJson(options, screen);
     document["period"] = options.period;
     document["missingValues"] = data.missingValues;
     document["missingRows"] = data.missingRows;
     document["thresholdRows"] = data.thresholdRows;
-    document["n"] = result.n;
-    document["series"] = data.names;
-    document["correlations"] = result.r;
-    auto partials = nlohmann::ordered_json::array();
-    for (size_t i = 0; i < result.partial.size(); ++i) {
-        partials.push_back({{"name", data.names[i + 1]},
-                            {"partialR", result.partial[i]},
-                            {"pValue", result.pValue[i]}});
-    }
-    document["partials"] = partials;
+    document["n"] = screen.correlation->n;
     return document;
 }
 
-nlohmann::ordered_json varianceJson(const ScreenOptions& options,
-                                    const screens::ScreenVarsScreen& screen) {
-    static constexpr const char* Months[12] = {"JAN", "FEB", "MAR", "APR", "MAY", "JUN",
-                                               "JUL", "AUG", "SEP", "OCT", "NOV", "DEC"};
-    const auto& result = *screen.variance;
-    nlohmann::ordered_json document = commonJson(options, screen);
+Json varianceJson(const ScreenOptions& options, const screens::ScreenVarsScreen& screen) {
+    Json document = commonJson(options, screen);
     document["sigLevel"] = screen.sigLevelText.text;
-    document["totalMissing"] = result.reportedMissing();
-    auto predictors = nlohmann::ordered_json::array();
-    for (size_t i = 0; i < result.names.size(); ++i) {
-        auto months = nlohmann::ordered_json::array();
-        for (size_t m = 0; m < 12; ++m) {
-            const auto& cell = result.cells[i][m];
-            months.push_back({{"month", Months[m]},
-                              {"n", cell.n},
-                              {"r", cell.r},
-                              {"rSquared", cell.rSquared},
-                              {"t", cell.t},
-                              {"p", cell.p},
-                              {"significant", screening::isSignificant(cell, screen.sigLevel)},
-                              {"best", cell.best}});
-        }
-        predictors.push_back({{"name", result.names[i]}, {"months", months}});
-    }
-    document["results"] = predictors;
+    document["totalMissing"] = screen.variance->reportedMissing();
     return document;
 }
 
@@ -120,16 +87,15 @@ int saveLines(CliContext& context, const ScreenOptions& options,
     return ExitDone;
 }
 
-nlohmann::ordered_json scatterJson(const ScreenOptions& options,
-                                   const screens::ScreenVarsScreen& screen) {
+Json scatterJson(const ScreenOptions& options, const screens::ScreenVarsScreen& screen) {
     const auto& data = *screen.scatterPoints;
-    nlohmann::ordered_json document = commonJson(options, screen);
+    Json document = commonJson(options, screen);
     document["period"] = options.period;
     document["title"] = data.title;
     document["xTitle"] = data.xTitle;
     document["yTitle"] = data.yTitle;
     document["missingCount"] = data.missingCount;
-    auto points = nlohmann::ordered_json::array();
+    auto points = Json::array();
     for (const auto& point : data.points) {
         points.push_back({point.x, point.y});
     }
@@ -213,8 +179,9 @@ int runScreen(CliContext& context, const ScreenOptions& options) {
         return exitCodeFor(outcome);
     }
     if (context.options.json) {
-        auto document =
+        Json document =
             correlation ? correlationJson(options, screen) : varianceJson(options, screen);
+        addTables(document, screen.tables);
         document["report"] = screen.report->lines;
         context.printJson(document);
     } else {

@@ -9,7 +9,7 @@ namespace varo::cli {
 namespace {
 
 // Numbers as numbers, flags as booleans, dates and paths as text.
-nlohmann::ordered_json jsonValue(const core::SettingKey& key, const std::string& written) {
+Json jsonValue(const core::SettingKey& key, const std::string& written) {
     switch (key.type) {
     case core::SettingType::Flag:
         return written == "True";
@@ -28,7 +28,7 @@ int showSettings(CliContext& context) {
     if (const int refused = context.prepareState()) {
         return refused;
     }
-    nlohmann::ordered_json document = nlohmann::ordered_json::object();
+    Json document = Json::object();
     for (const core::SettingKey& key : core::settingsTable()) {
         const std::string written = key.written(context.state);
         if (context.options.json) {

@@ -6,6 +6,7 @@
 #include "core/numeric_text.hpp"
 #include "core/quoted_text.hpp"
 #include "screens/analyse_screen.hpp"
+#include "screens/file_choice.hpp"
 #include "screens/stats_select_screen.hpp"
 
 #include <algorithm>
@@ -159,86 +160,41 @@ bool applySelection(CliContext& context, const StatsOptions& options) {
     return true;
 }
 
-// The extensions the summary statistics screen takes for a modelled file.
-bool endsInOut(const std::string& path) {
-    const std::string last = path.size() >= 4 ? path.substr(path.size() - 4) : std::string();
-    return last == ".OUT" || last == ".out";
-}
-
-nlohmann::ordered_json jsonValue(double value, double missingCode) {
-    return value == missingCode || !std::isfinite(value) ? nlohmann::ordered_json()
-                                                         : nlohmann::ordered_json(value);
-}
-
-nlohmann::ordered_json jsonTable(const statistics::ReportLabels& labels,
-                                 const statistics::ResultTable& table, double missingCode) {
-    nlohmann::ordered_json rows = nlohmann::ordered_json::array();
-    for (int row = 1; row <= statistics::CalendarRowCount; ++row) {
-        nlohmann::ordered_json line;
-        line["period"] = labels.rowNames[row];
-        for (size_t i = 0; i < labels.columns.size(); ++i) {
-            line[labels.columnNames[i]] = jsonValue(table[row][labels.columns[i]], missingCode);
-        }
-        rows.push_back(line);
-    }
-    return rows;
-}
-
-nlohmann::ordered_json jsonTests(const statistics::ReportLabels& labels,
-                                 const statistics::DeltaResults& delta, bool degrees,
-                                 double missingCode) {
-    nlohmann::ordered_json rows = nlohmann::ordered_json::array();
-    for (int row = 1; row <= statistics::CalendarRowCount; ++row) {
-        nlohmann::ordered_json line;
-        line["period"] = labels.rowNames[row];
-        const char* names[] = {"Period A", "Period B", "Period C"};
-        for (size_t p = 0; p < 3; ++p) {
-            const auto& test = delta.tests[p][row];
-            line[names[p]] = jsonValue(degrees ? test.degreesOfFreedom : test.t, missingCode);
-        }
-        rows.push_back(line);
-    }
-    return rows;
-}
-
-nlohmann::ordered_json jsonReport(const screens::AnalyseScreen& screen, double missingCode) {
+Json jsonReport(const screens::AnalyseScreen& screen) {
     const auto& labels = screen.labels;
-    const auto& results = *screen.results;
-    nlohmann::ordered_json document;
+    const statistics::ResultsTables& tables = *screen.tables;
+    Json document;
     document["file"] = labels.fileName;
     document["results"] = core::bareFileName(screen.saveFileText);
     document["start"] = labels.startDate;
     document["end"] = labels.endDate;
     document["members"] = labels.members;
     document["statistics"] = labels.columnNames;
-    document["table"] = jsonTable(labels, results.base.values, missingCode);
-    if (results.base.deviations) {
-        document["standardDeviations"] = jsonTable(labels, *results.base.deviations, missingCode);
+    document["table"] = tableJson(tables.statistics);
+    if (tables.deviations) {
+        document["standardDeviations"] = tableJson(*tables.deviations);
     }
-    if (results.delta) {
-        nlohmann::ordered_json delta;
+    if (tables.delta) {
+        Json delta;
         delta["kind"] = labels.deltaKind == statistics::AbsoluteDelta ? "absolute" : "percentage";
-        const char* names[] = {"Period A", "Period B", "Period C"};
-        nlohmann::ordered_json periods = nlohmann::ordered_json::array();
-        for (size_t p = 0; p < 3; ++p) {
-            nlohmann::ordered_json period;
-            period["period"] = names[p];
-            period["start"] = labels.periodStart[p];
-            period["end"] = labels.periodEnd[p];
-            period["table"] = jsonTable(labels, results.delta->deltas[p], missingCode);
-            periods.push_back(period);
+        Json periods = Json::array();
+        for (size_t p = 0; p < tables.delta->periods.size(); ++p) {
+            periods.push_back({{"period", std::string("Period ") + static_cast<char>('A' + p)},
+                               {"start", labels.periodStart[p]},
+                               {"end", labels.periodEnd[p]},
+                               {"table", tableJson(tables.delta->periods[p])}});
         }
-        delta["periods"] = periods;
-        delta["tTest"] = jsonTests(labels, *results.delta, false, missingCode);
-        delta["degreesOfFreedom"] = jsonTests(labels, *results.delta, true, missingCode);
-        document["delta"] = delta;
+        delta["periods"] = std::move(periods);
+        delta["tTest"] = tableJson(tables.delta->tTest);
+        delta["degreesOfFreedom"] = tableJson(tables.delta->degrees);
+        document["delta"] = std::move(delta);
     }
     return document;
 }
 
 // The tables of the results file as aligned text after the run's message, a blank line
 // before each.
-void printTables(CliContext& context, const std::vector<screens::NamedTable>& tables) {
+void printTables(CliContext& context, const std::vector<core::NamedTable>& tables) {
     if (context.options.json || context.options.quiet) {
         return;
     }
@@ -258,7 +214,8 @@ int runStats(CliContext& context, const StatsOptions& options) {
     screens::AnalyseScreen screen(context.state);
     screen.inputFileText = options.input;
     screen.saveFileText = options.output;
-    const bool modelled = options.modelled || (!options.observed && endsInOut(options.input));
+    const bool modelled =
+        options.modelled || (!options.observed && screens::isOutFile(options.input));
     screen.sourceButton = modelled ? screens::AnalyseScreen::Source::Modelled
                                    : screens::AnalyseScreen::Source::Observed;
     screen.ensembleMeanCheck = options.ensembleMean;
@@ -279,7 +236,7 @@ int runStats(CliContext& context, const StatsOptions& options) {
         context.reportWritten("Results file", options.output);
     }
     if (outcome == screens::RunOutcome::Done && context.options.json) {
-        context.printJson(jsonReport(screen, context.state.globalMissingCode));
+        context.printJson(jsonReport(screen));
     } else if (outcome == screens::RunOutcome::Done) {
         printTables(context, screen.resultTables());
     }

@@ -30,9 +30,8 @@ void setField(screens::TextField& field, const std::optional<std::string>& value
     }
 }
 
-nlohmann::ordered_json jsonReport(const TransformOptions& options,
-                                  const screens::TransformScreen::Report& report) {
-    nlohmann::ordered_json document;
+Json jsonReport(const TransformOptions& options, const screens::TransformScreen::Report& report) {
+    Json document;
     document["operation"] = options.operation;
     document["input"] = options.input;
     document["output"] = options.output;
@@ -55,8 +54,8 @@ int runTransform(CliContext& context, const TransformOptions& options) {
         return refused;
     }
     screens::TransformScreen screen(context.state);
-    screen.chooseInput(options.input);
-    screen.chooseOutput(options.output);
+    screen.input.choose(options.input);
+    screen.output.choose(options.output);
     screen.option = dataprep::findTransformOption(options.operation)->code;
     setField(screen.colsText, options.columns);
     setField(screen.lagText, options.lag);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "cli/cli_context.hpp"
+#include "cli/json_output.hpp"
 
 #include <CLI/CLI.hpp>
 

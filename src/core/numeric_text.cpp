@@ -176,4 +176,32 @@ double roundToDecimals(double value, int decimals) {
     return rounded;
 }
 
+int roundedInteger(std::string_view text) {
+    constexpr long long low = std::numeric_limits<int>::min();
+    constexpr long long high = std::numeric_limits<int>::max();
+    return static_cast<int>(std::clamp(roundHalfEven(leadingNumber(text)), low, high));
+}
+
+std::optional<double> numberIn(std::string_view text, double low, double high, RangeEnds ends) {
+    if (!isNumeric(text)) {
+        return std::nullopt;
+    }
+    const double value = leadingNumber(text);
+    const bool inside =
+        ends == RangeEnds::Included ? value >= low && value <= high : value > low && value < high;
+    return inside ? std::optional<double>(value) : std::nullopt;
+}
+
+std::optional<std::string> rangeRefusal(std::string_view text, double low, double high,
+                                        std::string_view notNumber, std::string_view outside,
+                                        RangeEnds ends) {
+    if (!isNumeric(text)) {
+        return std::string(notNumber);
+    }
+    if (!numberIn(text, low, high, ends)) {
+        return std::string(outside);
+    }
+    return std::nullopt;
+}
+
 } // namespace varo::core

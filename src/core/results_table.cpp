@@ -23,6 +23,23 @@ std::string ResultsTable::cellText(const Cell& cell) const {
     return cell.value ? formatPattern(*cell.value, numberPattern) : missingText;
 }
 
+std::optional<size_t> ResultsTable::columnIndex(std::string_view name) const {
+    const auto found = std::find(columns.begin(), columns.end(), name);
+    if (found == columns.end()) {
+        return std::nullopt;
+    }
+    return static_cast<size_t>(found - columns.begin());
+}
+
+std::vector<std::optional<double>> ResultsTable::column(size_t index) const {
+    std::vector<std::optional<double>> values;
+    values.reserve(rows.size());
+    for (const Row& row : rows) {
+        values.push_back(index < row.cells.size() ? row.cells[index].value : std::nullopt);
+    }
+    return values;
+}
+
 namespace {
 
 void appendAligned(std::string& line, const std::string& text, size_t width, bool left) {

@@ -105,17 +105,6 @@ bool setFlag(ProgramState& state, std::string_view value) {
     return true;
 }
 
-std::optional<double> numberIn(std::string_view text, double low, double high) {
-    if (!isNumeric(text)) {
-        return std::nullopt;
-    }
-    const double value = leadingNumber(text);
-    if (value < low || value > high) {
-        return std::nullopt;
-    }
-    return value;
-}
-
 bool useYearLength(ProgramState& state, long long yearLength) {
     if (yearLength != 360 && yearLength != 365 && yearLength != 366) {
         return false;
@@ -125,7 +114,7 @@ bool useYearLength(ProgramState& state, long long yearLength) {
 }
 
 bool useYearLengthAtStart(ProgramState& state, std::string_view value) {
-    return isNumeric(value) && useYearLength(state, roundHalfEven(leadingNumber(value)));
+    return isNumeric(value) && useYearLength(state, roundedInteger(value));
 }
 
 // The Settings screen's Load tests the range before it rounds.
@@ -270,61 +259,39 @@ std::optional<std::string> endDateRefusal(std::string_view, const ProgramState& 
     return standardDateRefusal(value, formatDate(state.globalSDate), false);
 }
 
-// A number, refused with `notNumber` when it is none and with `outOfRange` when it lies
-// outside its range.
-template <typename Outside>
-std::optional<std::string> numberRefusal(std::string_view value, std::string_view notNumber,
-                                         Outside outside, std::string_view outOfRange) {
-    if (!isNumeric(value)) {
-        return std::string(notNumber);
-    }
-    if (outside(leadingNumber(value))) {
-        return std::string(outOfRange);
-    }
-    return std::nullopt;
-}
-
-// A number from `low` to `high`, the limits included, or the one message.
-std::optional<std::string> rangeRefusal(std::string_view value, double low, double high,
-                                        std::string_view message) {
-    if (numberIn(value, low, high)) {
-        return std::nullopt;
-    }
-    return std::string(message);
-}
-
 std::optional<std::string> missingCodeRefusal(std::string_view, const ProgramState&,
                                               std::string_view value) {
-    return numberRefusal(
-        value, "Missing data identifier must be a number.", [](double) { return false; }, "");
+    if (isNumeric(value)) {
+        return std::nullopt;
+    }
+    return "Missing data identifier must be a number.";
 }
 
 // 0 and 1000 pass, whatever the message says.
 std::optional<std::string> thresholdRefusal(std::string_view, const ProgramState&,
                                             std::string_view value) {
-    return numberRefusal(
-        value, "Threshold must be a value.", [](double t) { return t < 0.0 || t > 1000.0; },
-        "Threshold must be positive and less than 1000.");
+    return rangeRefusal(value, 0.0, 1000.0, "Threshold must be a value.",
+                        "Threshold must be positive and less than 1000.");
 }
 
 std::optional<std::string> varianceInflationRefusal(std::string_view, const ProgramState&,
                                                     std::string_view value) {
-    return rangeRefusal(value, 0.0, 100.0, "Random number size must be a value between 0 and 100.");
+    constexpr std::string_view message = "Random number size must be a value between 0 and 100.";
+    return rangeRefusal(value, 0.0, 100.0, message, message);
 }
 
 // 0 and 2 both fail.
 std::optional<std::string> biasRefusal(std::string_view, const ProgramState&,
                                        std::string_view value) {
-    return numberRefusal(
-        value, "Bias correction must be a value less than two.",
-        [](double b) { return b >= 2.0 || b <= 0.0; },
-        "Bias correction must be positive and less than two.");
+    return rangeRefusal(value, 0.0, 2.0, "Bias correction must be a value less than two.",
+                        "Bias correction must be positive and less than two.", RangeEnds::Excluded);
 }
 
 std::optional<std::string> conditionalThreshRefusal(std::string_view, const ProgramState&,
                                                     std::string_view value) {
-    return rangeRefusal(value, 0.05, 0.95,
-                        "Conditional threshold must be a value between 0.05 and 0.95.");
+    constexpr std::string_view message =
+        "Conditional threshold must be a value between 0.05 and 0.95.";
+    return rangeRefusal(value, 0.05, 0.95, message, message);
 }
 
 // The order of the load at start, without the last reading of ApplyStepwise.

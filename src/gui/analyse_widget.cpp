@@ -3,6 +3,7 @@
 
 #include "gui/results_table_view.hpp"
 #include "gui/stats_select_widget.hpp"
+#include "screens/file_choice.hpp"
 #include "statistics/statistic_columns.hpp"
 
 #include <QButtonGroup>
@@ -46,25 +47,17 @@ AnalyseWidget::AnalyseWidget(ScreenContext& context, QWidget* parent)
         record_.showFileDetails(context_.dialogs);
         showRecord();
     });
-    addKey("Settings", "tb1Settings", [this] { context_.openSettings(); });
-    addKey("Help", "tb1Help", [this] { context_.openHelp(); });
+    addClosingKeys({});
 
     auto* files = new QGroupBox("Files", this);
     auto* fileGrid = new QGridLayout(files);
     auto* sourceRow = new QHBoxLayout();
-    source_ = new QButtonGroup(this);
-    const char* sources[] = {"Observed", "Modelled"};
-    for (int id = 0; id < 2; ++id) {
-        auto* option = new QRadioButton(sources[id], files);
-        option->setObjectName(QString("SourceButton%1").arg(id));
-        source_->addButton(option, id);
-        sourceRow->addWidget(option);
-    }
+    source_ =
+        optionGroup(files, sourceRow, "SourceButton", {"Observed", "Modelled"}, [this](int id) {
+            record_.sourceButton = id == 0 ? screens::AnalyseScreen::Source::Observed
+                                           : screens::AnalyseScreen::Source::Modelled;
+        });
     fileGrid->addLayout(sourceRow, 0, 2);
-    connect(source_, &QButtonGroup::idClicked, this, [this](int id) {
-        record_.sourceButton = id == 0 ? screens::AnalyseScreen::Source::Observed
-                                       : screens::AnalyseScreen::Source::Modelled;
-    });
     inputFile_ =
         fileRow(this, fileGrid, 0, "Select Data File", "SelectInputFile", "InputFileText", [this] {
             record_.pickInputFile(context_.dialogs);
@@ -179,12 +172,12 @@ void AnalyseWidget::showSelection() {
 }
 
 void AnalyseWidget::showRecord() {
-    source_->button(record_.sourceButton == screens::AnalyseScreen::Source::Observed ? 0 : 1)
-        ->setChecked(true);
-    inputFile_->setText(record_.inputFileText.empty() ? QString("Not selected")
-                                                      : qt(record_.inputFileText));
-    saveFile_->setText(record_.saveFileText.empty() ? QString("Not selected")
-                                                    : qt(record_.saveFileText));
+    selectOption(source_, record_.sourceButton == screens::AnalyseScreen::Source::Observed ? 0 : 1);
+    const auto shown = [](const std::string& path) {
+        return qt(path.empty() ? screens::NotSelected : path);
+    };
+    inputFile_->setText(shown(record_.inputFileText));
+    saveFile_->setText(shown(record_.saveFileText));
     ensembleMean_->setChecked(record_.ensembleMeanCheck);
     delta_->setChecked(record_.deltaCheck);
     for (const auto& [edit, text] : shown_) {

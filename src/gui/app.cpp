@@ -2,6 +2,7 @@
 
 #include "core/failure.hpp"
 #include "core/settings.hpp"
+#include "gui/calibrate_widget.hpp"
 #include "gui/charts/chart_screenshots.hpp"
 #include "gui/charts/chart_window.hpp"
 #include "gui/help_viewer.hpp"
@@ -53,6 +54,9 @@ QWidget* pictured(MainWindow& window, const QString& name) {
     if (isSampleRun(name.toStdString())) {
         if (auto* chart = window.findChild<ChartWindow*>()) {
             return chart;
+        }
+        if (auto* report = window.findChild<CalibrateResultsDialog*>()) {
+            return report;
         }
     }
     return &window;
@@ -113,8 +117,8 @@ int runDesktop(QApplication& app) {
         "screen",
         "Open on a screen: intro, home, settings, advsettings, help, quality, ...; with "
         "--screenshot also stats-results, screen-results or quality-results: the screen after "
-        "a run on the sample data; screen-scatter, calibrate-scatter or calibrate-histogram: "
-        "the chart such a run opens.",
+        "a run on the sample data; calibrate-results: the report of a calibration; "
+        "screen-scatter, calibrate-scatter or calibrate-histogram: the chart such a run opens.",
         "KEY");
     const QCommandLineOption screenshot("screenshot", "Render the screen to a PNG file and exit.",
                                         "FILE");

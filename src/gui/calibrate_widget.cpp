@@ -1,5 +1,7 @@
 #include "gui/calibrate_widget.hpp"
 #include "gui/charts/chart_window.hpp"
+#include "gui/predictor_list.hpp"
+#include "gui/results_table_view.hpp"
 #include "gui/widget_helpers.hpp"
 
 #include "core/failure.hpp"
@@ -7,17 +9,16 @@
 
 #include <QButtonGroup>
 #include <QCheckBox>
+#include <QFontDatabase>
 #include <QFormLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
-#include <QListWidget>
 #include <QPrintDialog>
 #include <QPrinter>
 #include <QPushButton>
-#include <QRadioButton>
-#include <QTextEdit>
+#include <QTextDocument>
 #include <QVBoxLayout>
 #include <algorithm>
 #include <filesystem>
@@ -46,104 +47,68 @@ CalibrateResultsDialog::CalibrateResultsDialog(ScreenContext& context,
     setAttribute(Qt::WA_DeleteOnClose);
     auto* layout = new QVBoxLayout(this);
     auto* keys = new QHBoxLayout();
-    auto* printKey = namedButton("Print", "menuPrint", this);
-    auto* saveKey = namedButton("Save As Text", "menuSave", this);
-    auto* backKey = namedButton("Back", "menuBack", this);
+    auto* printKey = keyButton("Print", "menuPrint", this);
+    auto* saveKey = keyButton("Save As Text", "menuSave", this);
+    auto* backKey = keyButton("Back", "menuBack", this);
     keys->addWidget(printKey);
     keys->addWidget(saveKey);
     keys->addStretch(1);
     keys->addWidget(backKey);
     layout->addLayout(keys);
-    page_ = new QTextEdit(this);
-    page_->setObjectName("ResultsPage");
-    page_->setReadOnly(true);
-    page_->setHtml(
-        reportHtml(*record.report)
-            .replace("</body></html>", coefficientsHtml(record.coefficients, record.stepwiseLines) +
-                                           "</body></html>"));
-    layout->addWidget(page_, 1);
-    resize(760, 720);
+
+    const calibration::CalibrationReport& report = *record.report;
+    QStringList heading;
+    for (const std::string& line : report.headingLines) {
+        heading << qt(line);
+    }
+    auto* headingLabel = namedLabel("ReportHeading", this);
+    headingLabel->setText(heading.join('\n'));
+    // The predictor names stand under one another, as in the text of the report.
+    headingLabel->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+    headingLabel->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    layout->addWidget(headingLabel);
+
+    tables_ = new ResultsTabs(this);
+    tables_->setObjectName("ResultsTables");
+    for (const auto* group : {&report.tables, &record.coefficients}) {
+        for (const core::ResultsTable& table : *group) {
+            tables_->addTable(qt(table.title), table);
+        }
+    }
+    layout->addWidget(tables_, 1);
+
+    QStringList notes;
+    if (report.anyAboveCritical) {
+        notes << "Values in bold red are Chow statistics above their critical value.";
+    }
+    for (const std::string& line : record.stepwiseLines) {
+        notes << qt(line);
+    }
+    auto* noteLabel = namedLabel("ReportNotes", this);
+    noteLabel->setText(notes.join('\n'));
+    noteLabel->setVisible(!notes.isEmpty());
+    layout->addWidget(noteLabel);
+    resize(760, 560);
     connect(printKey, &QPushButton::clicked, this, [this] { print(); });
     connect(saveKey, &QPushButton::clicked, this, [this] { saveAsText(); });
     connect(backKey, &QPushButton::clicked, this, &QDialog::close);
 }
 
-QString CalibrateResultsDialog::reportHtml(const calibration::CalibrationReport& report) {
-    QString html = "<html><body style='font-family: monospace'>";
-    for (const std::string& line : report.headingLines) {
-        html += "<div>" + qt(line).toHtmlEscaped().replace(" ", "&nbsp;") + "</div>";
-    }
-    for (const calibration::ReportTable& table : report.tables) {
-        html += "<p style='margin-top: 12px'><b>" + qt(table.title) + "</b>";
-        if (!table.crossValidationTitle.empty()) {
-            html += " &nbsp; <b>" + qt(table.crossValidationTitle) + "</b> (from column " +
-                    QString::number(table.crossValidationColumn + 1) + ")";
-        }
-        html += "</p><table cellspacing='0' cellpadding='4'><tr>";
-        for (const std::string& heading : table.headings) {
-            html += "<th align='left' width='110'>" + qt(heading) + "</th>";
-        }
-        html += "</tr>";
-        for (const auto& row : table.rows) {
-            html += "<tr>";
-            for (const calibration::ReportCell& cell : row) {
-                const QString text = qt(cell.text).toHtmlEscaped();
-                html += cell.aboveCritical
-                            ? "<td><b><font color='#c00000'>" + text + "</font></b></td>"
-                            : "<td><pre style='margin: 0'>" + text + "</pre></td>";
-            }
-            html += "</tr>";
-        }
-        html += "</table>";
-    }
-    if (report.anyAboveCritical) {
-        html += "<p>Values in <b><font color='#c00000'>bold red</font></b> are Chow statistics "
-                "above their critical value.</p>";
-    }
-    return html + "</body></html>";
-}
-
-QString CalibrateResultsDialog::coefficientsHtml(const std::vector<core::ResultsTable>& tables,
-                                                 const std::vector<std::string>& stepwiseLines) {
-    QString html;
-    for (const core::ResultsTable& table : tables) {
-        html += "<p style='margin-top: 12px'><b>" + qt(table.title).toHtmlEscaped() +
-                "</b></p><table cellspacing='0' cellpadding='4'><tr><th align='left' width='110'>" +
-                qt(table.rowHeading).toHtmlEscaped() + "</th>";
-        for (const std::string& column : table.columns) {
-            html += "<th align='right' width='110'>" + qt(column).toHtmlEscaped() + "</th>";
-        }
-        html += "</tr>";
-        for (const auto& row : table.rows) {
-            html += "<tr><td>" + qt(row.label).toHtmlEscaped() + "</td>";
-            for (const auto& cell : row.cells) {
-                html += "<td align='right'>" + qt(table.cellText(cell)).toHtmlEscaped() + "</td>";
-            }
-            html += "</tr>";
-        }
-        html += "</table>";
-    }
-    if (!stepwiseLines.empty()) {
-        html += "<p style='margin-top: 12px'>";
-        for (const std::string& line : stepwiseLines) {
-            html += "<div>" + qt(line).toHtmlEscaped() + "</div>";
-        }
-        html += "</p>";
-    }
-    return html;
-}
-
+// The report as its text, in a fixed-width font so that its columns stand.
 void CalibrateResultsDialog::print() {
     QPrinter printer;
     QPrintDialog dialog(&printer, this);
     if (dialog.exec() == QDialog::Accepted) {
-        page_->document()->print(&printer);
+        QTextDocument page;
+        page.setDefaultFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+        page.setPlainText(qt(text_));
+        page.print(&printer);
     }
 }
 
 void CalibrateResultsDialog::saveAsText() {
-    const auto path = context_.dialogs.pickSaveFile("Text Files (*.TXT)|*.TXT|All Files (*.*)|*.*",
-                                                    context_.state.defaultDir, "TXT");
+    const auto path =
+        context_.dialogs.pickSaveFile(screens::filter::Text, context_.state.defaultDir, "TXT");
     if (!path) {
         return;
     }
@@ -162,12 +127,10 @@ void CalibrateResultsDialog::saveAsText() {
 CalibrateWidget::CalibrateWidget(ScreenContext& context, QWidget* parent)
     : ScreenWidget(context, "Calibrate Model", parent), record_(context.state) {
     addKey("Calibrate", "tb1Calibrate", [this] { calibrate(); });
-    addKey("Reset", "tb1Reset", [this] {
+    addClosingKeys([this] {
         record_.reset();
         showRecord();
     });
-    addKey("Settings", "tb1Settings", [this] { context_.openSettings(); });
-    addKey("Help", "tb1Help", [this] { context_.openHelp(); });
     auto* columns = new QHBoxLayout();
     columns->addWidget(buildFiles(), 1);
     columns->addWidget(buildModel(), 1);
@@ -182,18 +145,10 @@ QWidget* CalibrateWidget::buildFiles() {
         addPickRow(layout, "Select Predictand", "PredictandButton", "PtandText", box);
     auto* pickPredictand = predictand.button;
     predictandLabel_ = predictand.label;
-    const PickRow folder = addPickRow(layout, "Predictor Folder...", "Dir2", "Dir2Text", box);
-    auto* pickFolder = folder.button;
-    folderLabel_ = folder.label;
-    folderLabel_->setWordWrap(true);
-
-    layout->addWidget(new QLabel("Select predictors:", box));
-    predictors_ = new QListWidget(box);
-    predictors_->setObjectName("File2");
-    predictors_->setSelectionMode(QAbstractItemView::ExtendedSelection);
+    predictors_ = new PredictorList(
+        context_, record_.predictors, false,
+        [this](const auto& items) { record_.predictors.selectItems(items); }, box);
     layout->addWidget(predictors_, 1);
-    selectedCount_ = namedLabel("NoOfFiles", box);
-    layout->addWidget(selectedCount_);
 
     auto* parRow = new QHBoxLayout();
     auto* pickPar = namedButton("Output File...", "PARFileButton", box);
@@ -207,35 +162,11 @@ QWidget* CalibrateWidget::buildFiles() {
         record_.pickPredictand(context_.dialogs);
         showRecord();
     });
-    connect(pickFolder, &QPushButton::clicked, this, [this] {
-        record_.pickPredictorFolder(context_.dialogs);
-        showRecord();
-    });
     connect(pickPar, &QPushButton::clicked, this, [this] {
         record_.pickParFile(context_.dialogs);
         showRecord();
     });
-    connect(predictors_, &QListWidget::itemSelectionChanged, this, [this] {
-        std::vector<int> chosen;
-        for (QListWidgetItem* item : predictors_->selectedItems()) {
-            chosen.push_back(predictors_->row(item));
-        }
-        record_.selectListItems(chosen);
-        selectedCount_->setText(QString::number(record_.noOfFiles()) + " selected");
-    });
     return box;
-}
-
-QButtonGroup* CalibrateWidget::options(const QString& name, const QStringList& captions,
-                                       QWidget* parent, QLayout* into) {
-    auto* group = new QButtonGroup(this);
-    for (int i = 0; i < captions.size(); ++i) {
-        auto* option = new QRadioButton(captions[i], parent);
-        option->setObjectName(name + QString::number(i));
-        group->addButton(option, i);
-        into->addWidget(option);
-    }
-    return group;
 }
 
 QWidget* CalibrateWidget::buildModel() {
@@ -260,10 +191,12 @@ QWidget* CalibrateWidget::buildModel() {
     form->addRow("Days in fit:", noOfDays_);
 
     auto* modelRow = new QHBoxLayout();
-    modelType_ = options("ModelType", {"Monthly", "Seasonal", "Annual"}, box, modelRow);
+    modelType_ = optionGroup(box, modelRow, "ModelType", {"Monthly", "Seasonal", "Annual"},
+                             [this](int id) { record_.modelType = id; });
     form->addRow("Model type:", modelRow);
     auto* processRow = new QHBoxLayout();
-    process_ = options("ParmOpt", {"Conditional", "Unconditional"}, box, processRow);
+    process_ = optionGroup(box, processRow, "ParmOpt", {"Conditional", "Unconditional"},
+                           [this](int id) { record_.parmOpt = id; });
     form->addRow("Process:", processRow);
     autoregression_ = new QCheckBox("Include", box);
     autoregression_->setObjectName("AutoRegressionCheck");
@@ -279,16 +212,14 @@ QWidget* CalibrateWidget::buildModel() {
                  narrow(bindField("NoOfFoldsText", record_.noOfFoldsText,
                                   [this, &dialogs] { return record_.checkFolds(dialogs); })));
     auto* graphRow = new QHBoxLayout();
-    graphType_ = options("GraphType", {"None", "Scatter plot", "Histogram"}, box, graphRow);
+    graphType_ = optionGroup(box, graphRow, "GraphType", {"None", "Scatter plot", "Histogram"},
+                             [this](int id) { record_.graphType = id; });
     form->addRow("Residual plot:", graphRow);
     form->addRow("Histogram bars:",
                  narrow(bindField("HistogramCatsText", record_.histogramCatsText, [this, &dialogs] {
                      return record_.checkHistogramCategories(dialogs);
                  })));
 
-    connect(modelType_, &QButtonGroup::idClicked, this, [this](int id) { record_.modelType = id; });
-    connect(process_, &QButtonGroup::idClicked, this, [this](int id) { record_.parmOpt = id; });
-    connect(graphType_, &QButtonGroup::idClicked, this, [this](int id) { record_.graphType = id; });
     connect(autoregression_, &QCheckBox::toggled, this,
             [this](bool on) { record_.autoRegressionCheck = on; });
     connect(chow_, &QCheckBox::toggled, this, [this](bool on) { record_.includeChow = on; });
@@ -297,28 +228,14 @@ QWidget* CalibrateWidget::buildModel() {
     return box;
 }
 
-void CalibrateWidget::showSelection() {
-    const QSignalBlocker quiet(predictors_);
-    predictors_->clear();
-    for (const std::string& name : record_.folderFiles) {
-        auto* item = new QListWidgetItem(qt(name), predictors_);
-        const std::string path = (std::filesystem::path(record_.predictorFolder) / name).string();
-        item->setSelected(std::find(record_.selectedPredictors.begin(),
-                                    record_.selectedPredictors.end(),
-                                    path) != record_.selectedPredictors.end());
-    }
-    selectedCount_->setText(QString::number(record_.noOfFiles()) + " selected");
-}
-
 void CalibrateWidget::showRecord() {
-    predictandLabel_->setText(qt(record_.ptandText));
-    folderLabel_->setText(qt(record_.predictorFolder));
-    showSelection();
+    predictandLabel_->setText(qt(record_.predictand.text));
+    predictors_->showPicker();
     parFileLabel_->setText(qt(record_.parFileText));
     noOfDays_->setText(qt(record_.noOfDays));
-    modelType_->button(record_.modelType)->setChecked(true);
-    process_->button(record_.parmOpt)->setChecked(true);
-    graphType_->button(record_.graphType)->setChecked(true);
+    selectOption(modelType_, record_.modelType);
+    selectOption(process_, record_.parmOpt);
+    selectOption(graphType_, record_.graphType);
     autoregression_->setChecked(record_.autoRegressionCheck);
     chow_->setChecked(record_.includeChow);
     crossValidation_->setChecked(record_.xValidationCheck);

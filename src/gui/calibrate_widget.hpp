@@ -15,26 +15,25 @@
 class QButtonGroup;
 class QCheckBox;
 class QLabel;
-class QListWidget;
 class QTextEdit;
 
 namespace varo::gui {
 
 class ChartWindow;
+class PredictorList;
 
-// CalibResultsFrm: the report of the last calibration as a page of tables, followed by the
-// fitted coefficients.
+class ResultsTabs;
+
+// CalibResultsFrm: the report of the last calibration: its heading, a tab for each table of
+// fit statistics and of fitted coefficients (a Chow value above its critical value in bold
+// red), and what a stepwise search chose. Print and Save As Text take the report as text.
 class CalibrateResultsDialog : public QDialog {
     Q_OBJECT
 public:
     CalibrateResultsDialog(ScreenContext& context, const screens::CalibrateScreen& record,
                            QWidget* parent);
 
-    // The page as HTML, a Chow value above its critical value in bold red.
-    static QString reportHtml(const calibration::CalibrationReport& report);
-    // The coefficient tables and the stepwise lines as HTML.
-    static QString coefficientsHtml(const std::vector<core::ResultsTable>& tables,
-                                    const std::vector<std::string>& stepwiseLines);
+    ResultsTabs* tables() const { return tables_; }
 
 private:
     void print();
@@ -42,7 +41,7 @@ private:
 
     ScreenContext& context_;
     std::string text_;
-    QTextEdit* page_;
+    ResultsTabs* tables_;
 };
 
 class CalibrateWidget : public ScreenWidget {
@@ -59,18 +58,13 @@ public:
 private:
     QWidget* buildFiles();
     QWidget* buildModel();
-    QButtonGroup* options(const QString& name, const QStringList& captions, QWidget* parent,
-                          QLayout* into);
     void showRecord();
-    void showSelection();
     void calibrate();
     void showResults();
 
     screens::CalibrateScreen record_;
     QLabel* predictandLabel_ = nullptr;
-    QLabel* folderLabel_ = nullptr;
-    QListWidget* predictors_ = nullptr;
-    QLabel* selectedCount_ = nullptr;
+    PredictorList* predictors_ = nullptr;
     QLabel* noOfDays_ = nullptr;
     QButtonGroup* modelType_ = nullptr;
     QButtonGroup* process_ = nullptr;

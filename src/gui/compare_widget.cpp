@@ -16,12 +16,10 @@ namespace varo::gui {
 CompareWidget::CompareWidget(ScreenContext& context, QWidget* parent)
     : ScreenWidget(context, "Compare Results", parent), record_(context.state) {
     addKey("Plot", "tb1Plot", [this] { plot(); });
-    addKey("Reset", "tb1Reset", [this] {
+    addClosingKeys([this] {
         record_.reset();
         showRecord();
     });
-    addKey("Settings", "tb1Settings", [this] { context_.openSettings(); });
-    addKey("Help", "tb1Help", [this] { context_.openHelp(); });
     auto* files = new QHBoxLayout();
     files->addWidget(buildFile(0), 1);
     files->addWidget(buildFile(1), 1);
@@ -29,18 +27,11 @@ CompareWidget::CompareWidget(ScreenContext& context, QWidget* parent)
 
     auto* kind = new QGroupBox("Chart", this);
     auto* kindRow = new QHBoxLayout(kind);
-    chartOption_ = new QButtonGroup(this);
-    for (const auto& [option, caption] : {std::pair{screens::CompareResultsScreen::Bar, "Bar"},
-                                          std::pair{screens::CompareResultsScreen::Line, "Line"}}) {
-        auto* radio = new QRadioButton(caption, kind);
-        radio->setObjectName(QString("ChartOption%1").arg(option));
-        chartOption_->addButton(radio, option);
-        kindRow->addWidget(radio);
-    }
+    // Option ids are the screen's: Bar 0, Line 1.
+    chartOption_ = optionGroup(kind, kindRow, "ChartOption", {"Bar", "Line"},
+                               [this](int option) { record_.selectChart(option); });
     kindRow->addStretch(1);
     content()->addWidget(kind);
-    connect(chartOption_, &QButtonGroup::idClicked, this,
-            [this](int option) { record_.selectChart(option); });
     showRecord();
 }
 
@@ -90,7 +81,7 @@ void CompareWidget::showRecord() {
             list->setCurrentRow(static_cast<int>(*file.statistic));
         }
     }
-    chartOption_->button(record_.chartOption)->setChecked(true);
+    selectOption(chartOption_, record_.chartOption);
 }
 
 ChartWindow* CompareWidget::chartWindow() const {

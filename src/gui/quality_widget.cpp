@@ -1,4 +1,5 @@
 #include "gui/quality_widget.hpp"
+#include "gui/widget_helpers.hpp"
 
 #include <QFormLayout>
 #include <QGroupBox>
@@ -12,12 +13,10 @@ namespace varo::gui {
 QualityWidget::QualityWidget(ScreenContext& context, QWidget* parent)
     : ScreenWidget(context, "Quality Control", parent), record_(context.state) {
     addKey("Check File", "tb1Check", [this] { check(); });
-    addKey("Reset", "tb1Reset", [this] {
+    addClosingKeys([this] {
         record_.reset();
         showRecord();
     });
-    addKey("Settings", "tb1Settings", [this] { context_.openSettings(); });
-    addKey("Help", "tb1Help", [this] { context_.openHelp(); });
 
     auto* fileRow = new QHBoxLayout();
     auto* select = new QPushButton("Select File", this);
@@ -59,7 +58,7 @@ QualityWidget::QualityWidget(ScreenContext& context, QWidget* parent)
 }
 
 void QualityWidget::showRecord() {
-    fileLabel_->setText(QString::fromStdString(record_.selectFileText));
+    fileLabel_->setText(qt(record_.file.text));
     for (const auto& [edit, text] : results_) {
         edit->setText(QString::fromStdString(*text));
     }

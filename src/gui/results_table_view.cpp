@@ -68,6 +68,12 @@ void ResultsTableView::setTable(const core::ResultsTable& table) {
     for (const std::string& column : table.columns) {
         headings << qt(column);
     }
+    for (const auto& group : table.columnGroups) {
+        if (group.firstColumn < table.columns.size()) {
+            QString& heading = headings[static_cast<int>(group.firstColumn) + 1];
+            heading = qt(group.title) + "\n" + heading;
+        }
+    }
     grid_->setHorizontalHeaderLabels(headings);
     for (int r = 0; r < grid_->rowCount(); ++r) {
         const auto& row = table.rows[static_cast<size_t>(r)];

@@ -2,7 +2,8 @@
 // the first column and the numbers right-aligned, each cell the text the table gives it, so
 // that the screen reads as the command line prints and the file stores. Missing cells show
 // the table's missing text in grey; highlighted cells stand out in bold red, as on the
-// other result pages. Several tables share a screen as tabs. Ctrl+C copies the selected
+// other result pages. A column group's title stands over the heading of its first column.
+// Several tables share a screen as tabs. Ctrl+C copies the selected
 // cells as tab-separated lines for a spreadsheet.
 #pragma once
 

@@ -6,7 +6,6 @@
 
 #include <QAbstractButton>
 #include <QApplication>
-#include <QListWidget>
 #include <QTreeWidget>
 #include <functional>
 #include <map>
@@ -25,18 +24,12 @@ void press(MainWindow& window, const QString& name) {
     QApplication::processEvents();
 }
 
-// Selects the named files in the predictor list of the screening (a tree with
-// descriptions) or of the calibration (a plain list).
+// Selects the named files in the predictor list of the screen.
 void selectPredictors(MainWindow& window, const QStringList& names) {
     if (auto* tree = window.findChild<QTreeWidget*>("File2")) {
         for (int i = 0; i < tree->topLevelItemCount(); ++i) {
             QTreeWidgetItem* item = tree->topLevelItem(i);
             item->setSelected(names.contains(item->text(0)));
-        }
-    }
-    if (auto* list = window.findChild<QListWidget*>("File2")) {
-        for (int i = 0; i < list->count(); ++i) {
-            list->item(i)->setSelected(names.contains(list->item(i)->text()));
         }
     }
 }
@@ -95,6 +88,7 @@ const std::map<std::string, SampleRun, std::less<>>& sampleRuns() {
                                      {"ParmOpt0", "tb1Variance"})},
         {"screen-scatter",
          screening(&sampledata::SampleFiles::maximumTemperature, {"temp.dat"}, {"tb1Scatter"})},
+        {"calibrate-results", rainCalibration("GraphType0")},
         {"calibrate-scatter", rainCalibration("GraphType1")},
         {"calibrate-histogram", rainCalibration("GraphType2")},
         {"stats-results",

@@ -40,8 +40,9 @@ private:
 };
 
 // The sample runs by name: "quality-results", "screen-results" and "stats-results" leave
-// the screen with its results; "screen-scatter", "calibrate-scatter" and
-// "calibrate-histogram" open the chart of the run over it.
+// the screen with its results; "calibrate-results" opens the report of a calibration;
+// "screen-scatter", "calibrate-scatter" and "calibrate-histogram" open the chart of the run
+// over it.
 bool isSampleRun(std::string_view name);
 
 // Goes to the screen of the named run, writes the sample set into `folder` and runs the

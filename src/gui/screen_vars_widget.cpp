@@ -1,5 +1,6 @@
 #include "gui/screen_vars_widget.hpp"
 #include "gui/charts/chart_window.hpp"
+#include "gui/predictor_list.hpp"
 #include "gui/widget_helpers.hpp"
 #include "screens/chart_sources.hpp"
 
@@ -30,12 +31,10 @@ ScreenVarsWidget::ScreenVarsWidget(ScreenContext& context, QWidget* parent)
     addKey("Explained Variance", "tb1Variance", [this] { analyse(true); });
     addKey("Scatter", "tb1Scatter", [this] { scatter(); });
     addKey("Save Report...", "tb1Save", [this] { saveReport(); });
-    addKey("Reset", "tb1Reset", [this] {
+    addClosingKeys([this] {
         record_.reset();
         showRecord();
     });
-    addKey("Settings", "tb1Settings", [this] { context_.openSettings(); });
-    addKey("Help", "tb1Help", [this] { context_.openHelp(); });
 
     auto* top = new QHBoxLayout();
     top->addWidget(buildFiles(), 3);
@@ -60,38 +59,14 @@ QWidget* ScreenVarsWidget::buildFiles() {
         addPickRow(layout, "Select Predictand", "PredtandButton", "PtandText", box);
     auto* pickPredictand = predictand.button;
     predictandLabel_ = predictand.label;
-    const PickRow folder = addPickRow(layout, "Predictor Folder...", "Dir2", "Dir2Text", box);
-    auto* pickFolder = folder.button;
-    folderLabel_ = folder.label;
-
-    predictors_ = new QTreeWidget(box);
-    predictors_->setObjectName("File2");
-    predictors_->setColumnCount(2);
-    predictors_->setHeaderLabels({"Predictor file", "Description"});
-    predictors_->setRootIsDecorated(false);
-    predictors_->setSelectionMode(QAbstractItemView::ExtendedSelection);
-    predictors_->header()->setSectionResizeMode(0, QHeaderView::ResizeToContents);
+    predictors_ = new PredictorList(
+        context_, record_.predictors, true,
+        [this](const auto& items) { record_.selectPredictorItems(items, context_.dialogs); }, box);
     layout->addWidget(predictors_, 1);
-    selectedCount_ = namedLabel("NoOfFiles", box);
-    layout->addWidget(selectedCount_);
 
     connect(pickPredictand, &QPushButton::clicked, this, [this] {
         record_.pickPredictand(context_.dialogs);
         showRecord();
-    });
-    connect(pickFolder, &QPushButton::clicked, this, [this] {
-        if (const auto folder = context_.dialogs.pickFolder(record_.predictorFolder)) {
-            record_.setPredictorFolder(*folder);
-            showRecord();
-        }
-    });
-    connect(predictors_, &QTreeWidget::itemSelectionChanged, this, [this] {
-        std::vector<size_t> chosen;
-        for (QTreeWidgetItem* item : predictors_->selectedItems()) {
-            chosen.push_back(static_cast<size_t>(predictors_->indexOfTopLevelItem(item)));
-        }
-        record_.selectPredictorItems(chosen, context_.dialogs);
-        selectedCount_->setText(qt(record_.noOfFiles) + " selected");
     });
     return box;
 }
@@ -117,14 +92,8 @@ QWidget* ScreenVarsWidget::buildChoices() {
     form->addRow("Period:", period_);
 
     auto* processRow = new QHBoxLayout();
-    process_ = new QButtonGroup(this);
-    const QString captions[] = {"Conditional", "Unconditional"};
-    for (int i = 0; i < 2; ++i) {
-        auto* option = new QRadioButton(captions[i], box);
-        option->setObjectName("ParmOpt" + QString::number(i));
-        process_->addButton(option, i);
-        processRow->addWidget(option);
-    }
+    process_ = optionGroup(box, processRow, "ParmOpt", {"Conditional", "Unconditional"},
+                           [this](int id) { record_.setProcess(id, context_.dialogs); });
     form->addRow("Process:", processRow);
     autoregression_ = new QCheckBox("Autoregression", box);
     autoregression_->setObjectName("AutoRegressionTick");
@@ -135,37 +104,18 @@ QWidget* ScreenVarsWidget::buildChoices() {
 
     connect(period_, &QComboBox::activated, this,
             [this](int index) { record_.datesCombo = index; });
-    connect(process_, &QButtonGroup::idClicked, this,
-            [this](int id) { record_.setProcess(id, context_.dialogs); });
     connect(autoregression_, &QCheckBox::clicked, this,
             [this](bool on) { record_.setAutoregression(on, context_.dialogs); });
     return box;
 }
 
-// The folder's files with their descriptions, the record's selection marked.
-void ScreenVarsWidget::showPredictorList() {
-    const QSignalBlocker quiet(predictors_);
-    predictors_->clear();
-    for (const std::string& name : record_.predictorFiles) {
-        auto* item = new QTreeWidgetItem(predictors_);
-        item->setText(0, qt(name));
-        item->setText(1, qt(screens::predictorDescription(context_.state, name)));
-        const std::string path = (std::filesystem::path(record_.predictorFolder) / name).string();
-        item->setSelected(std::find(record_.selectedPredictors.begin(),
-                                    record_.selectedPredictors.end(),
-                                    path) != record_.selectedPredictors.end());
-    }
-    selectedCount_->setText(qt(record_.noOfFiles) + " selected");
-}
-
 void ScreenVarsWidget::showRecord() {
-    predictandLabel_->setText(qt(record_.ptandText));
-    folderLabel_->setText(qt(record_.predictorFolder));
-    showPredictorList();
+    predictandLabel_->setText(qt(record_.predictand.text));
+    predictors_->showPicker();
     recordStart_->setText(qt(record_.sDate));
     recordEnd_->setText(qt(record_.eDate));
     period_->setCurrentIndex(record_.datesCombo);
-    process_->button(record_.parmOpt)->setChecked(true);
+    selectOption(process_, record_.parmOpt);
     autoregression_->setChecked(record_.autoRegressionTick);
     showFields();
     showReport();

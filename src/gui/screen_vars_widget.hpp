@@ -15,11 +15,11 @@ class QCheckBox;
 class QComboBox;
 class QLabel;
 class QPlainTextEdit;
-class QTreeWidget;
 
 namespace varo::gui {
 
 class ChartWindow;
+class PredictorList;
 
 class ScreenVarsWidget : public ScreenWidget {
     Q_OBJECT
@@ -34,7 +34,6 @@ private:
     QWidget* buildFiles();
     QWidget* buildChoices();
     void showRecord();
-    void showPredictorList();
     void showReport();
     void analyse(bool variance);
     void scatter();
@@ -42,9 +41,7 @@ private:
 
     screens::ScreenVarsScreen record_;
     QLabel* predictandLabel_ = nullptr;
-    QLabel* folderLabel_ = nullptr;
-    QTreeWidget* predictors_ = nullptr;
-    QLabel* selectedCount_ = nullptr;
+    PredictorList* predictors_ = nullptr;
     QLineEdit* recordStart_ = nullptr;
     QLineEdit* recordEnd_ = nullptr;
     QComboBox* period_ = nullptr;

@@ -1,6 +1,7 @@
 #include "gui/screen_widget.hpp"
 
 #include "gui/progress_bar.hpp"
+#include "gui/widget_helpers.hpp"
 
 #include <QHBoxLayout>
 #include <QLabel>
@@ -33,9 +34,7 @@ ScreenWidget::ScreenWidget(ScreenContext& context, const QString& title, QWidget
 
 QPushButton* ScreenWidget::addKey(const QString& text, const QString& name,
                                   const std::function<void()>& action) {
-    auto* button = new QPushButton(text, this);
-    button->setObjectName(name);
-    button->setFocusPolicy(Qt::NoFocus);
+    QPushButton* button = keyButton(text, name, this);
     keys_->insertWidget(keys_->count() - 1, button);
     connect(button, &QPushButton::clicked, this, [this, action] {
         if (context_.runs.running()) {
@@ -45,6 +44,14 @@ QPushButton* ScreenWidget::addKey(const QString& text, const QString& name,
         action();
     });
     return button;
+}
+
+void ScreenWidget::addClosingKeys(const std::function<void()>& reset) {
+    if (reset) {
+        addKey("Reset", "tb1Reset", reset);
+    }
+    addKey("Settings", "tb1Settings", [this] { context_.openSettings(); });
+    addKey("Help", "tb1Help", [this] { context_.openHelp(); });
 }
 
 void ScreenWidget::runLong(const std::function<void(core::Progress&)>& body) {

@@ -32,6 +32,9 @@ protected:
     // A key of the screen's own toolbar, named like "tb1Check" for tests to find.
     QPushButton* addKey(const QString& text, const QString& name,
                         const std::function<void()>& action);
+    // The keys that close a work screen's toolbar: Reset (when the screen has one), Settings
+    // and Help.
+    void addClosingKeys(const std::function<void()>& reset);
     // Binds an entry field to a record field and its check, run on leaving the field.
     QLineEdit* bindField(const QString& name, screens::TextField& field,
                          const std::function<bool()>& check = {}) {

@@ -17,33 +17,13 @@ namespace varo::gui {
 
 namespace {
 
-// A group box of radio buttons, ids 0.. in order, each named "<name><index>".
-QButtonGroup* radioGroup(QWidget* owner, QBoxLayout* into, const QString& title,
-                         const QString& name, const QStringList& captions) {
+// A group box of options (`optionGroup`) under a title.
+QButtonGroup* optionBox(QWidget* owner, QBoxLayout* into, const QString& title, const QString& name,
+                        const QStringList& captions, const std::function<void(int)>& picked) {
     auto* box = new QGroupBox(title, owner);
     auto* layout = new QVBoxLayout(box);
-    auto* group = new QButtonGroup(owner);
-    for (int i = 0; i < captions.size(); ++i) {
-        auto* button = new QRadioButton(captions[i], box);
-        button->setObjectName(name + QString::number(i));
-        group->addButton(button, i);
-        layout->addWidget(button);
-    }
     into->addWidget(box);
-    return group;
-}
-
-void select(QButtonGroup* group, int id) {
-    if (QAbstractButton* button = group->button(id)) {
-        button->setChecked(true);
-    } else {
-        // A code that selects no option leaves every option clear.
-        group->setExclusive(false);
-        for (QAbstractButton* each : group->buttons()) {
-            each->setChecked(false);
-        }
-        group->setExclusive(true);
-    }
+    return optionGroup(box, layout, name, captions, picked);
 }
 
 } // namespace
@@ -90,10 +70,9 @@ SettingsWidget::SettingsWidget(ScreenContext& context, std::function<void()> bac
                                  [this, &dialogs] { return record_.checkEndDate(dialogs); }));
     left->addWidget(period);
 
-    yearDays_ = radioGroup(this, left, "Year Length", "YearDays",
-                           {"Calendar (366)", "365 (GCM)", "360 (GCM)"});
-    connect(yearDays_, &QButtonGroup::idClicked, this,
-            [this](int id) { record_.selectYearDays(id); });
+    yearDays_ = optionBox(this, left, "Year Length", "YearDays",
+                          {"Calendar (366)", "365 (GCM)", "360 (GCM)"},
+                          [this](int id) { record_.selectYearDays(id); });
 
     auto* data = new QGroupBox("Data", this);
     auto* dataForm = new QFormLayout(data);
@@ -141,7 +120,7 @@ SettingsWidget::SettingsWidget(ScreenContext& context, std::function<void()> bac
 
 void SettingsWidget::showRecord() {
     showFields();
-    select(yearDays_, record_.yearDays);
+    selectOption(yearDays_, record_.yearDays);
     allowNeg_->setChecked(record_.allowNegCheck);
     randomSeed_->setChecked(record_.randomSeedCheck);
     folder_->setText(qt(record_.defaultDir));
@@ -167,10 +146,7 @@ AdvSettingsDialog::AdvSettingsDialog(ScreenContext& context, QWidget* parent)
     auto* keys = new QHBoxLayout();
     const auto addKey = [this, keys](const QString& text, const QString& name,
                                      const std::function<void()>& action) {
-        auto* button = new QPushButton(text, this);
-        button->setObjectName(name);
-        button->setFocusPolicy(Qt::NoFocus);
-        button->setAutoDefault(false);
+        QPushButton* button = keyButton(text, name, this);
         keys->addWidget(button);
         connect(button, &QPushButton::clicked, this, [this, action] {
             fields_->finishEditing();
@@ -204,8 +180,8 @@ AdvSettingsDialog::AdvSettingsDialog(ScreenContext& context, QWidget* parent)
     connect(settingsFile_, &QLineEdit::editingFinished, this,
             [this] { record_.setSettingsFile(settingsFile_->text().toStdString()); });
     connect(pick, &QPushButton::clicked, this, [this] {
-        if (const auto path = context_.dialogs.pickOpenFile(
-                screens::AdvSettingsScreen::SettingsFileFilter, record_.settingsFileText)) {
+        if (const auto path = context_.dialogs.pickOpenFile(screens::filter::Settings,
+                                                            record_.settingsFileText)) {
             record_.setSettingsFile(*path);
             showRecord();
         }
@@ -229,8 +205,9 @@ AdvSettingsDialog::AdvSettingsDialog(ScreenContext& context, QWidget* parent)
                                       [this, &dialogs] { return record_.checkPrecRnd(dialogs); }));
     left->addWidget(numbers);
 
-    conditional_ = radioGroup(this, left, " Conditional Selection ", "ConditionalOption",
-                              {"Stochastic", "Fixed threshold:"});
+    conditional_ = optionBox(this, left, " Conditional Selection ", "ConditionalOption",
+                             {"Stochastic", "Fixed threshold:"},
+                             [this](int id) { record_.selectConditional(id); });
     QLineEdit* threshold =
         fields_->bind(this, "ConditionalThreshText", record_.conditionalThreshText,
                       [this, &dialogs] { return record_.checkConditionalThresh(dialogs); });
@@ -245,20 +222,15 @@ AdvSettingsDialog::AdvSettingsDialog(ScreenContext& context, QWidget* parent)
     fixedRow->addStretch(1);
     conditionalLayout->addLayout(fixedRow);
     left->addStretch(1);
-    connect(conditional_, &QButtonGroup::idClicked, this,
-            [this](int id) { record_.selectConditional(id); });
 
-    transformation_ =
-        radioGroup(this, right, " Model Transformation ", "TransOption",
-                   {"None", "Fourth root", "Natural log", "Inverse Normal", "Box Cox"});
-    connect(transformation_, &QButtonGroup::idClicked, this,
-            [this](int id) { record_.selectTransformation(id); });
-    optimisation_ = radioGroup(this, right, "Optimisation Algorithm ", "OptimisationOption",
-                               {"Ordinary Least Squares", "Dual simplex"});
-    connect(optimisation_, &QButtonGroup::idClicked, this, [this](int id) {
-        record_.selectOptimisation(id);
-        showRecord();
-    });
+    transformation_ = optionBox(this, right, " Model Transformation ", "TransOption",
+                                {"None", "Fourth root", "Natural log", "Inverse Normal", "Box Cox"},
+                                [this](int id) { record_.selectTransformation(id); });
+    optimisation_ = optionBox(this, right, "Optimisation Algorithm ", "OptimisationOption",
+                              {"Ordinary Least Squares", "Dual simplex"}, [this](int id) {
+                                  record_.selectOptimisation(id);
+                                  showRecord();
+                              });
     stepwise_ = new QCheckBox("Stepwise Regression", this);
     stepwise_->setObjectName("StepwiseCheck");
     right->addWidget(stepwise_);
@@ -266,10 +238,8 @@ AdvSettingsDialog::AdvSettingsDialog(ScreenContext& context, QWidget* parent)
         record_.setStepwise(on);
         showRecord();
     });
-    aic_ = radioGroup(this, right, "Stepwise criterion", "AICOption",
-                      {"AIC criteria", "BIC criteria"});
-    right->addStretch(1);
-    connect(aic_, &QButtonGroup::idClicked, this, [this](int id) { record_.selectAic(id); });
+    aic_ = optionBox(this, right, "Stepwise criterion", "AICOption",
+                     {"AIC criteria", "BIC criteria"}, [this](int id) { record_.selectAic(id); });
 
     auto* profile = new QGroupBox(" Wet Day Percentage Profile", this);
     auto* grid = new QGridLayout(profile);
@@ -299,10 +269,10 @@ AdvSettingsDialog::~AdvSettingsDialog() {
 void AdvSettingsDialog::showRecord() {
     fields_->show();
     settingsFile_->setText(qt(record_.settingsFileText));
-    select(conditional_, record_.conditionalOption);
-    select(transformation_, record_.transOption);
-    select(optimisation_, record_.optimisationOption);
-    select(aic_, record_.aicOption);
+    selectOption(conditional_, record_.conditionalOption);
+    selectOption(transformation_, record_.transOption);
+    selectOption(optimisation_, record_.optimisationOption);
+    selectOption(aic_, record_.aicOption);
     stepwise_->setChecked(record_.stepwiseCheck);
 }
 

@@ -1,4 +1,5 @@
 #include "gui/stats_select_widget.hpp"
+#include "gui/widget_helpers.hpp"
 
 #include <QButtonGroup>
 #include <QCheckBox>
@@ -27,10 +28,7 @@ StatsSelectDialog::StatsSelectDialog(ScreenContext& context, QWidget* parent)
     auto* outer = new QVBoxLayout(this);
 
     auto* keys = new QHBoxLayout();
-    auto* back = new QPushButton("Back", this);
-    back->setObjectName("menuBack");
-    back->setFocusPolicy(Qt::NoFocus);
-    back->setAutoDefault(false);
+    QPushButton* back = keyButton("Back", "menuBack", this);
     keys->addWidget(back);
     keys->addStretch(1);
     outer->addLayout(keys);
@@ -103,17 +101,10 @@ StatsSelectDialog::StatsSelectDialog(ScreenContext& context, QWidget* parent)
     }
     auto* deltaBox = new QGroupBox("Delta", periods);
     auto* deltaLayout = new QHBoxLayout(deltaBox);
-    deltaOption_ = new QButtonGroup(this);
-    const char* deltaCaptions[] = {"Percentage Difference", "Absolute Difference"};
-    for (int id = 0; id < 2; ++id) {
-        auto* option = new QRadioButton(deltaCaptions[id], deltaBox);
-        option->setObjectName(QString("DeltaOption%1").arg(id));
-        deltaOption_->addButton(option, id);
-        deltaLayout->addWidget(option);
-    }
-    deltaOption_->button(record_.deltaOption)->setChecked(true);
-    connect(deltaOption_, &QButtonGroup::idClicked, this,
-            [this](int id) { record_.deltaOption = id; });
+    deltaOption_ = optionGroup(deltaBox, deltaLayout, "DeltaOption",
+                               {"Percentage Difference", "Absolute Difference"},
+                               [this](int id) { record_.deltaOption = id; });
+    selectOption(deltaOption_, record_.deltaOption);
     periodGrid->addWidget(deltaBox, row, 0, 1, 3);
     lower->addWidget(periods, 1);
     outer->addLayout(lower);

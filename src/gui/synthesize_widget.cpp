@@ -15,13 +15,11 @@ namespace varo::gui {
 SynthesizeWidget::SynthesizeWidget(ScreenContext& context, QWidget* parent)
     : ScreenWidget(context, "Weather Generator", parent), record_(context.state) {
     addKey("Synthesize", "tb1Synthesize", [this] { synthesize(); });
-    addKey("Reset", "tb1Reset", [this] {
+    addClosingKeys([this] {
         record_.reset();
         showFields();
         showRecord();
     });
-    addKey("Settings", "tb1Settings", [this] { context_.openSettings(); });
-    addKey("Help", "tb1Help", [this] { context_.openHelp(); });
 
     auto* columns = new QHBoxLayout();
     auto* left = new QVBoxLayout();
@@ -108,8 +106,8 @@ QWidget* SynthesizeWidget::runGroup() {
 }
 
 void SynthesizeWidget::showRecord() {
-    parFileLabel_->setText(qt(record_.parFileText));
-    outFileLabel_->setText(qt(record_.outFileText));
+    parFileLabel_->setText(qt(record_.parFile.text));
+    outFileLabel_->setText(qt(record_.outFile.text));
     folderLabel_->setText(qt(record_.predictorFolder));
     noOfPred_->setText(qt(record_.noOfPredText));
     rStart_->setText(qt(record_.rStartText));

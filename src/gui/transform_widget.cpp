@@ -18,12 +18,10 @@ namespace varo::gui {
 TransformWidget::TransformWidget(ScreenContext& context, QWidget* parent)
     : ScreenWidget(context, "Transform Data", parent), record_(context.state) {
     addKey("Transform", "tb1Transform", [this] { transform(); });
-    addKey("Reset", "tb1Reset", [this] {
+    addClosingKeys([this] {
         record_.reset();
         showRecord();
     });
-    addKey("Settings", "tb1Settings", [this] { context_.openSettings(); });
-    addKey("Help", "tb1Help", [this] { context_.openHelp(); });
     buildFiles();
     auto* columns = new QHBoxLayout();
     content()->addLayout(columns);
@@ -116,11 +114,9 @@ QWidget* TransformWidget::buildInputs() {
 }
 
 void TransformWidget::showRecord() {
-    inputLabel_->setText(qt(record_.selectFileText));
-    outputLabel_->setText(qt(record_.saveFileText));
-    if (QAbstractButton* button = options_->button(record_.option)) {
-        button->setChecked(true);
-    }
+    inputLabel_->setText(qt(record_.input.text));
+    outputLabel_->setText(qt(record_.output.text));
+    selectOption(options_, record_.option);
     wrap_->setText(qt(record_.wrapCaption()));
     wrap_->setChecked(record_.wrapCheck);
     extract_->setChecked(record_.extractEnsembleCheck);

@@ -1,5 +1,7 @@
 // Small helpers every screen widget uses: text from the screen records, and controls
-// created with the object names that tests and screenshots find them by.
+// created with the object names that tests and screenshots find them by: buttons, labels,
+// tick boxes, the keys of a screen's key row, a file or folder key with its label, and a
+// group of options.
 #pragma once
 
 #include <QBoxLayout>
@@ -7,7 +9,11 @@
 #include <QLabel>
 #include <QPushButton>
 #include <QString>
+#include <QStringList>
+#include <functional>
 #include <string_view>
+
+class QButtonGroup;
 
 namespace varo::gui {
 
@@ -48,5 +54,16 @@ inline PickRow addPickRow(QBoxLayout* layout, const QString& caption, const QStr
     layout->addLayout(row);
     return made;
 }
+
+// A key of a screen's key row. It takes no focus, so an entry being typed in is still the
+// focus when the key is pressed and is left (its check run) before the key acts.
+QPushButton* keyButton(const QString& caption, const QString& name, QWidget* parent);
+
+// Radio buttons for a choice of options, with ids 0, 1, ... in the order of the captions,
+// each named "<name><id>" and laid out in `into`; `picked` runs with the id clicked.
+QButtonGroup* optionGroup(QWidget* parent, QLayout* into, const QString& name,
+                          const QStringList& captions, const std::function<void(int)>& picked);
+// Checks the option of an id; an id that names no option leaves every option clear.
+void selectOption(QButtonGroup* group, int id);
 
 } // namespace varo::gui

@@ -167,19 +167,46 @@ CorrelationResult correlate(const ScreeningData& data, bool conditional,
     return result;
 }
 
-ReportText correlationReport(const ScreeningData& data, const CorrelationResult& result,
+CorrelationTables correlationTables(const ScreeningData& data, const CorrelationResult& result) {
+    CorrelationTables tables;
+    core::ResultsTable& matrix = tables.matrix;
+    matrix.title = "Correlation matrix";
+    matrix.rowHeading = "Series";
+    matrix.columns = data.names;
+    for (size_t i = 0; i < data.names.size(); ++i) {
+        matrix.rows.push_back({data.names[i], {}});
+        for (const double r : result.r[i]) {
+            matrix.rows.back().cells.push_back({r, false});
+        }
+    }
+    if (result.partial.empty()) {
+        return tables;
+    }
+    core::ResultsTable& partials = tables.partials.emplace();
+    partials.title = "Partial correlations with " + data.names[0];
+    partials.rowHeading = "Predictor";
+    partials.columns = {"Partial r", "P value"};
+    partials.numberPattern = "0.0000";
+    for (size_t i = 0; i < result.partial.size(); ++i) {
+        partials.rows.push_back(
+            {data.names[i + 1], {{result.partial[i], false}, {result.pValue[i], false}}});
+    }
+    return tables;
+}
+
+ReportText correlationReport(const ScreeningData& data, const CorrelationTables& tables,
                              const ReportHeading& heading, bool conditional) {
     const core::NumberFormat threeDecimals("0.000");
     const core::NumberFormat whole("0");
     const core::NumberFormat fourDecimals("0.0000");
-    const size_t count = data.seriesCount();
+    const auto& series = tables.matrix.rows;
     TabbedText text;
     text.emptyLines(4);
-    text.line("Predictand: " + data.names[0]);
+    text.line("Predictand: " + series[0].label);
     text.print("Predictors: ");
-    for (size_t i = 1; i < count; ++i) {
+    for (size_t i = 1; i < series.size(); ++i) {
         text.tab(13);
-        text.line(data.names[i]);
+        text.line(series[i].label);
     }
     text.emptyLines(1);
     text.line("CORRELATION MATRIX");
@@ -193,38 +220,38 @@ ReportText correlationReport(const ScreeningData& data, const CorrelationResult&
         text.line("Values less than or equal to threshold: " + std::to_string(data.thresholdRows));
     }
     text.emptyLines(1);
-    for (size_t i = 1; i <= count; ++i) {
+    for (size_t i = 1; i <= series.size(); ++i) {
         text.tab(static_cast<int>(8 * i + 16));
         text.print(core::printInteger(static_cast<long long>(i)));
     }
     text.endLine();
-    for (size_t i = 0; i < count; ++i) {
+    for (size_t i = 0; i < series.size(); ++i) {
         text.print(core::printInteger(static_cast<long long>(i + 1)));
         text.tab(6);
-        text.print(data.names[i]);
-        for (size_t j = 0; j < count; ++j) {
+        text.print(series[i].label);
+        for (size_t j = 0; j < series.size(); ++j) {
             text.tab(static_cast<int>(8 * (j + 1) + 16));
-            text.print((i == j ? whole : threeDecimals).format(result.r[i][j]));
+            text.print((i == j ? whole : threeDecimals).format(*series[i].cells[j].value));
         }
         text.endLine();
     }
     text.emptyLines(2);
-    if (count < 3) {
+    if (!tables.partials) {
         text.line("NO PARTIAL CORRELATIONS TO CALCULATE");
         return text.finish();
     }
-    text.line("PARTIAL CORRELATIONS WITH " + data.names[0]);
+    text.line("PARTIAL CORRELATIONS WITH " + series[0].label);
     text.emptyLines(1);
     text.tab(24);
     text.print("Partial r");
     text.tab(36);
     text.line("P value");
-    for (size_t i = 1; i < count; ++i) {
-        text.print(data.names[i]);
+    for (const auto& row : tables.partials->rows) {
+        text.print(row.label);
         text.tab(24);
-        text.print(threeDecimals.format(result.partial[i - 1]));
+        text.print(threeDecimals.format(*row.cells[0].value));
         text.tab(36);
-        text.line(fourDecimals.format(result.pValue[i - 1]));
+        text.line(fourDecimals.format(*row.cells[1].value));
     }
     return text.finish();
 }

@@ -9,9 +9,11 @@
 #pragma once
 
 #include "core/program_state.hpp"
+#include "core/results_table.hpp"
 #include "screening/report_text.hpp"
 #include "screening/screening_data.hpp"
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -51,8 +53,17 @@ struct ReportHeading {
     std::string periodName; // "Annual", "Winter", ... "January", ...
 };
 
-// The correlation report in its character columns.
-ReportText correlationReport(const ScreeningData& data, const CorrelationResult& result,
+// The results as tables: the correlation matrix (a row and a column a series, the
+// predictand first) and, with three series or more, the partial correlations with the
+// predictand ("Partial r" and "P value" of each predictor).
+struct CorrelationTables {
+    core::ResultsTable matrix;
+    std::optional<core::ResultsTable> partials;
+};
+CorrelationTables correlationTables(const ScreeningData& data, const CorrelationResult& result);
+
+// The report of the tables in its character columns.
+ReportText correlationReport(const ScreeningData& data, const CorrelationTables& tables,
                              const ReportHeading& heading, bool conditional);
 
 } // namespace varo::screening

@@ -186,8 +186,56 @@ ExplainedVariance explainVariance(const ScreeningRequest& request, const core::P
     return result;
 }
 
-ReportText varianceReport(const ExplainedVariance& result, const VarianceHeading& heading,
-                          float sigLevel) {
+namespace {
+
+core::ResultsTable monthTable(const ExplainedVariance& result, std::string title,
+                              std::string pattern = "0.000") {
+    core::ResultsTable table;
+    table.title = std::move(title);
+    table.numberPattern = std::move(pattern);
+    table.rowHeading = "Predictor";
+    table.columns.assign(std::begin(MonthHeadings), std::end(MonthHeadings));
+    table.missingText = "";
+    for (const std::string& name : result.names) {
+        table.rows.push_back({name, {}});
+    }
+    return table;
+}
+
+} // namespace
+
+core::ResultsTable varianceTable(const ExplainedVariance& result, float sigLevel) {
+    core::ResultsTable table = monthTable(result, "Explained variance (R squared)");
+    for (size_t i = 0; i < result.names.size(); ++i) {
+        for (const VarianceCell& cell : result.cells[i]) {
+            table.rows[i].cells.push_back({isSignificant(cell, sigLevel)
+                                               ? std::optional<double>(cell.rSquared)
+                                               : std::nullopt,
+                                           cell.best});
+        }
+    }
+    return table;
+}
+
+core::ResultsTable varianceStatisticTable(const ExplainedVariance& result,
+                                          std::string_view statistic) {
+    core::ResultsTable table =
+        monthTable(result, std::string(statistic), statistic == "n" ? "0" : "0.000");
+    for (size_t i = 0; i < result.names.size(); ++i) {
+        for (const VarianceCell& cell : result.cells[i]) {
+            const double value = statistic == "n"   ? static_cast<double>(cell.n)
+                                 : statistic == "r" ? cell.r
+                                 : statistic == "t" ? cell.t
+                                 : statistic == "p" ? cell.p
+                                                    : cell.rSquared;
+            table.rows[i].cells.push_back({value, false});
+        }
+    }
+    return table;
+}
+
+ReportText varianceReport(const ExplainedVariance& result, const core::ResultsTable& table,
+                          const VarianceHeading& heading) {
     const core::NumberFormat grouped("0.000,");
     TabbedText text;
     text.line("   RESULTS: EXPLAINED VARIANCE");
@@ -198,22 +246,22 @@ ReportText varianceReport(const ExplainedVariance& result, const VarianceHeading
     text.print("   Predictors:");
     for (int m = 1; m <= 12; ++m) {
         text.tab(8 * m + 16);
-        text.print(MonthHeadings[m - 1]);
+        text.print(table.columns[static_cast<size_t>(m - 1)]);
     }
     text.endLine();
-    for (size_t i = 0; i < result.names.size(); ++i) {
-        text.print("   " + result.names[i]);
+    for (const auto& row : table.rows) {
+        text.print("   " + row.label);
         for (int m = 1; m <= 12; ++m) {
-            const VarianceCell& cell = result.cells[i][static_cast<size_t>(m - 1)];
-            if (!isSignificant(cell, sigLevel)) {
+            const auto& cell = row.cells[static_cast<size_t>(m - 1)];
+            if (!cell.value) {
                 continue;
             }
             text.tab(8 * m + 16);
-            if (cell.best) {
-                text.printMarked(grouped.format(cell.rSquared));
+            if (cell.highlighted) {
+                text.printMarked(grouped.format(*cell.value));
                 text.print("*");
             } else {
-                text.print(grouped.format(cell.rSquared));
+                text.print(grouped.format(*cell.value));
             }
         }
         text.endLine();

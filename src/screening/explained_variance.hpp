@@ -11,6 +11,7 @@
 
 #include "core/program_state.hpp"
 #include "core/progress.hpp"
+#include "core/results_table.hpp"
 #include "screening/report_text.hpp"
 #include "screening/screening_data.hpp"
 
@@ -65,9 +66,20 @@ struct VarianceHeading {
     std::string sigLevelText;
 };
 
-// The report in its character columns; r squared of a significant month by "0.000,", and
-// the best predictor of a month marked and followed by '*'.
-ReportText varianceReport(const ExplainedVariance& result, const VarianceHeading& heading,
-                          float sigLevel);
+// The report's table: a row a predictor, a column a month ("JAN" to "DEC"), r squared in
+// the months significant at the level and missing (blank) elsewhere, the best predictor of
+// a month picked out.
+core::ResultsTable varianceTable(const ExplainedVariance& result, float sigLevel);
+
+// One statistic of every predictor and month, significant or not: "n", "r", "rSquared",
+// "t" or "p" (each also the table's title).
+core::ResultsTable varianceStatisticTable(const ExplainedVariance& result,
+                                          std::string_view statistic);
+inline constexpr std::string_view VarianceStatistics[] = {"n", "r", "rSquared", "t", "p"};
+
+// The report of the table in its character columns; r squared by "0.000,", and the best
+// predictor of a month marked and followed by '*'.
+ReportText varianceReport(const ExplainedVariance& result, const core::ResultsTable& table,
+                          const VarianceHeading& heading);
 
 } // namespace varo::screening

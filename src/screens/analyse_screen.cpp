@@ -5,6 +5,7 @@
 #include "core/number_format.hpp"
 #include "core/numeric_text.hpp"
 #include "core/series_file.hpp"
+#include "screens/file_choice.hpp"
 #include "statistics/statistic_columns.hpp"
 
 #include <array>
@@ -16,14 +17,6 @@ namespace {
 constexpr int LongestAnalysisYears = 150;
 constexpr std::string_view SimReadMessage =
     "An error occurred opeing the *.SIM file. Please try again.";
-
-bool isOutFile(const std::string& path) {
-    if (path.size() < 4) {
-        return false;
-    }
-    const std::string last = path.substr(path.size() - 4);
-    return last == ".OUT" || last == ".out";
-}
 
 bool isBlankText(const std::string& text) {
     return text.find_first_not_of(" \t") == std::string::npos;
@@ -44,7 +37,7 @@ std::optional<std::string> ensembleNumberRefusal(const std::string& text) {
     if (!core::isNumeric(text)) {
         return "Ensemble member value is invalid.";
     }
-    const long long member = core::roundHalfEven(core::leadingNumber(text));
+    const int member = core::roundedInteger(text);
     if (member < 1 || member > 100) {
         return "Ensemble member cannot be zero or greater than 100.";
     }
@@ -82,56 +75,6 @@ core::Date dateOf(const std::string& text) {
     return core::parseDate(text).value_or(core::Date{});
 }
 
-// The patterns of the results file: statistics and t values, and degrees of freedom.
-constexpr std::string_view ValuePattern = "####0.000";
-constexpr std::string_view DegreesPattern = "######";
-constexpr double TTestCritical = 1.96;
-constexpr std::array<const char*, 3> DeltaPeriodNames = {"Period A", "Period B", "Period C"};
-
-core::ResultsTable emptyTable(std::string title, std::string rowHeading, std::string_view pattern,
-                              double missingCode) {
-    core::ResultsTable table;
-    table.title = std::move(title);
-    table.rowHeading = std::move(rowHeading);
-    table.numberPattern = std::string(pattern);
-    // A missing cell reads as the file writes it: the missing value code.
-    table.missingText = core::formatPattern(missingCode, pattern);
-    return table;
-}
-
-core::ResultsTable statisticsTable(std::string title, const statistics::ReportLabels& labels,
-                                   const statistics::ResultTable& values, double missingCode) {
-    core::ResultsTable table = emptyTable(std::move(title), "Month", ValuePattern, missingCode);
-    table.columns = labels.columnNames;
-    for (int row = 1; row <= statistics::CalendarRowCount; ++row) {
-        std::vector<double> cells;
-        for (const int c : labels.columns) {
-            cells.push_back(values[row][c]);
-        }
-        table.addRow(labels.rowNames[row], cells, missingCode);
-    }
-    return table;
-}
-
-core::ResultsTable testsTable(std::string title, const statistics::ReportLabels& labels,
-                              const statistics::DeltaResults& delta, bool degrees,
-                              double missingCode) {
-    core::ResultsTable table = emptyTable(std::move(title), "Period",
-                                          degrees ? DegreesPattern : ValuePattern, missingCode);
-    table.columns.assign(DeltaPeriodNames.begin(), DeltaPeriodNames.end());
-    for (int row = 1; row <= statistics::CalendarRowCount; ++row) {
-        std::vector<double> cells;
-        for (const auto& tests : delta.tests) {
-            cells.push_back(degrees ? tests[row].degreesOfFreedom : tests[row].t);
-        }
-        auto& added = table.addRow(labels.rowNames[row], cells, missingCode);
-        for (auto& cell : added.cells) {
-            cell.highlighted = !degrees && cell.value && *cell.value > TTestCritical;
-        }
-    }
-    return table;
-}
-
 } // namespace
 
 AnalyseScreen::AnalyseScreen(core::ProgramState& state)
@@ -141,13 +84,13 @@ AnalyseScreen::AnalyseScreen(core::ProgramState& state)
 }
 
 void AnalyseScreen::pickInputFile(Dialogs& dialogs) {
-    if (const auto path = dialogs.pickOpenFile(InputFilter, state_.defaultDir)) {
+    if (const auto path = dialogs.pickOpenFile(filter::OutOrData, state_.defaultDir)) {
         inputFileText = *path;
     }
 }
 
 void AnalyseScreen::pickSaveFile(Dialogs& dialogs) {
-    if (const auto path = dialogs.pickSaveFile(SaveFilter, state_.defaultDir, "TXT")) {
+    if (const auto path = dialogs.pickSaveFile(filter::Text, state_.defaultDir, "TXT")) {
         saveFileText = *path;
     }
 }
@@ -228,7 +171,7 @@ AnalyseScreen::runRefusal(const std::optional<series::SimulationDescription>& de
     }
     const bool oneMember = modelled && !ensembleMeanCheck;
     if (oneMember && description && core::isNumeric(ensembleNumber.text) &&
-        core::roundHalfEven(core::leadingNumber(ensembleNumber.text)) > description->ensembleSize) {
+        core::roundedInteger(ensembleNumber.text) > description->ensembleSize) {
         return "Ensemble member does not exist in data file.";
     }
     if (modelled && !description) {
@@ -268,8 +211,7 @@ AnalyseScreen::buildRequest(const std::optional<series::SimulationDescription>& 
         request.source.calendar = core::calendarForYearLength(description->yearIndicator);
         request.source.recordStart = dateOf(description->fitStart);
         request.ensemble.mean = ensembleMeanCheck;
-        request.ensemble.member =
-            static_cast<int>(core::roundHalfEven(core::leadingNumber(ensembleNumber.text)));
+        request.ensemble.member = core::roundedInteger(ensembleNumber.text);
     } else {
         request.source.memberCount = 1;
         request.source.calendar = core::calendarInForce(state_);
@@ -350,45 +292,13 @@ AnalyseScreen::buildLabels(const statistics::AnalysisRequest& request) const {
     return result;
 }
 
-std::vector<NamedTable> AnalyseScreen::resultTables() const {
-    std::vector<NamedTable> tables;
-    if (!results) {
-        return tables;
-    }
-    const double missing = resultsMissingCode_;
-    const std::string members =
-        labels.members == "ALL" ? "ensemble mean" : "member " + labels.members;
-    tables.push_back({"Statistics", statisticsTable("Summary statistics of " + labels.fileName +
-                                                        ", " + labels.startDate + " to " +
-                                                        labels.endDate + ", " + members,
-                                                    labels, results->base.values, missing)});
-    if (results->base.deviations) {
-        tables.push_back(
-            {"Standard deviations", statisticsTable("Standard Deviations of Results", labels,
-                                                    *results->base.deviations, missing)});
-    }
-    if (!results->delta) {
-        return tables;
-    }
-    const std::string kind = labels.deltaKind == statistics::AbsoluteDelta
-                                 ? "absolute difference"
-                                 : "percentage difference";
-    for (size_t p = 0; p < DeltaPeriodNames.size(); ++p) {
-        tables.push_back(
-            {DeltaPeriodNames[p],
-             statisticsTable(std::string(DeltaPeriodNames[p]) + ": " + labels.periodStart[p] +
-                                 " to " + labels.periodEnd[p] + ", " + kind,
-                             labels, results->delta->deltas[p], missing)});
-    }
-    tables.push_back(
-        {"T test", testsTable("T Test Results", labels, *results->delta, false, missing)});
-    tables.push_back({"Degrees of freedom", testsTable("Degrees of Freedom for T Test", labels,
-                                                       *results->delta, true, missing)});
-    return tables;
+std::vector<core::NamedTable> AnalyseScreen::resultTables() const {
+    return tables ? tables->named() : std::vector<core::NamedTable>{};
 }
 
 RunOutcome AnalyseScreen::run(Dialogs& dialogs, core::Progress& progress) {
     results.reset();
+    tables.reset();
     resultsPath.clear();
     const bool modelled = sourceButton == Source::Modelled;
     std::optional<series::SimulationDescription> description;
@@ -421,10 +331,11 @@ RunOutcome AnalyseScreen::run(Dialogs& dialogs, core::Progress& progress) {
         [&] {
             statistics::AnalysisResults found = statistics::runAnalysis(request, progress);
             labels = buildLabels(request);
-            statistics::writeResultsFile(saveFileText, statistics::resultsText(labels, found));
+            auto made = statistics::resultTables(labels, found, state_.globalMissingCode);
+            statistics::writeResultsFile(saveFileText, statistics::resultsText(labels, made));
             results = std::move(found);
+            tables = std::move(made);
             resultsPath = saveFileText;
-            resultsMissingCode_ = state_.globalMissingCode;
             dialogs.message("Summary Statistics",
                             "Summary statistics saved to " + core::bareFileName(saveFileText) + ".",
                             Icon::Information);

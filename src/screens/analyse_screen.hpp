@@ -19,19 +19,8 @@
 
 namespace varo::screens {
 
-// A results table with the short name a tab or a heading shows it by.
-struct NamedTable {
-    std::string name;
-    core::ResultsTable table;
-};
-
 class AnalyseScreen {
 public:
-    static constexpr std::string_view InputFilter =
-        "OUT Files (*.OUT)|*.OUT|DAT Files (*.DAT)|*.DAT|TXT Files (*.TXT)|*.TXT|All Files "
-        "(*.*)|*.*";
-    static constexpr std::string_view SaveFilter = "TXT Files (*.TXT)|*.TXT|All Files (*.*)|*.*";
-
     enum class Source { Observed, Modelled };
 
     explicit AnalyseScreen(core::ProgramState& state);
@@ -57,9 +46,11 @@ public:
     std::string fileEnsembleSize;
     std::string fileStartDate;
 
-    // What the last run computed and the labels of its report, for the command line.
+    // What the last run computed, the labels of its report and its tables, for the
+    // command line.
     std::optional<statistics::AnalysisResults> results;
     statistics::ReportLabels labels;
+    std::optional<statistics::ResultsTables> tables;
     std::string resultsPath; // the results file they were written to
 
     void pickInputFile(Dialogs& dialogs);
@@ -76,13 +67,9 @@ public:
     // The run: every check in order, then the statistics and the results file.
     RunOutcome run(Dialogs& dialogs, core::Progress& progress);
 
-    // The last run's results as the tables of its results file, in the file's order and with
-    // its numbers: the statistics by month, season and year ("Statistics"); with the
-    // ensemble mean their "Standard deviations"; with deltas the changes of "Period A", "B"
-    // and "C", the "T test" of the mean (values above 1.96 picked out) and its "Degrees of
-    // freedom". Missing values read as the missing value code, as in the file. Empty
-    // before a run has succeeded.
-    std::vector<NamedTable> resultTables() const;
+    // The last run's tables in the results file's order (`statistics::ResultsTables`);
+    // empty before a run has succeeded.
+    std::vector<core::NamedTable> resultTables() const;
 
 private:
     std::optional<std::string>
@@ -96,7 +83,6 @@ private:
     statistics::ReportLabels buildLabels(const statistics::AnalysisRequest& request) const;
 
     core::ProgramState& state_;
-    double resultsMissingCode_ = 0.0; // the missing value code the results were computed with
 };
 
 } // namespace varo::screens

@@ -2,7 +2,6 @@
 
 #include "screens/chart_sources.hpp"
 #include "screens/fit_period.hpp"
-#include "screens/folder_listing.hpp"
 
 #include "calibration/model_transforms.hpp"
 #include "calibration/stepwise.hpp"
@@ -12,29 +11,12 @@
 #include "core/series_file.hpp"
 #include "series/parameter_file.hpp"
 
-#include <algorithm>
-#include <filesystem>
-
 namespace varo::screens {
 
 namespace {
 
 constexpr std::string_view StepwiseQuestion =
     "Stepwise regression is selected.  This can take some time. Do you want to proceed?";
-
-// Refuses a number outside [low, high] with the two messages of a field.
-FieldCheck numberBetween(double low, double high, std::string invalid, std::string outside) {
-    return [=](const std::string& text) -> std::optional<std::string> {
-        if (!core::isNumeric(text)) {
-            return invalid;
-        }
-        const double value = core::leadingNumber(text);
-        if (value < low || value > high) {
-            return outside;
-        }
-        return std::nullopt;
-    };
-}
 
 } // namespace
 
@@ -45,14 +27,12 @@ CalibrateScreen::CalibrateScreen(core::ProgramState& state) : state_(state) {
 
 void CalibrateScreen::reset() {
     cleanup();
-    if (state_.selectedPredictandPath.empty()) {
-        ptandText = NotSelected;
-        predictandPath.clear();
-    } else {
-        ptandText = state_.selectedPredictandName;
-        predictandPath = state_.selectedPredictandPath;
+    predictand.clear();
+    if (!state_.selectedPredictandPath.empty()) {
+        predictand.path = state_.selectedPredictandPath;
+        predictand.text = state_.selectedPredictandName;
     }
-    setPredictorFolder(state_.defaultDir);
+    predictors.setFolder(state_.defaultDir);
     refreshGlobals();
     modelType = Monthly;
     parmOpt = Unconditional;
@@ -85,48 +65,12 @@ void CalibrateScreen::cleanup() {
     state_.stopRequested.clear();
 }
 
-void CalibrateScreen::choosePredictand(const std::string& path) {
-    predictandPath = path;
-    ptandText = core::bareFileName(path);
-}
-
 void CalibrateScreen::pickPredictand(Dialogs& dialogs) {
     const std::string start =
-        predictandPath.empty() ? state_.defaultDir : core::folderOf(predictandPath);
-    if (const auto path = dialogs.pickOpenFile(PredictandFilter, start)) {
-        choosePredictand(*path);
+        predictand.chosen() ? core::folderOf(predictand.path) : state_.defaultDir;
+    if (const auto path = dialogs.pickOpenFile(filter::Data, start)) {
+        predictand.choose(*path);
     }
-}
-
-void CalibrateScreen::setPredictorFolder(const std::string& folder) {
-    predictorFolder = folder;
-    folderFiles.clear();
-    selectedPredictors.clear();
-    folderFiles = folderDataFiles(folder);
-}
-
-void CalibrateScreen::pickPredictorFolder(Dialogs& dialogs) {
-    if (const auto folder = dialogs.pickFolder(predictorFolder)) {
-        setPredictorFolder(*folder);
-    }
-}
-
-void CalibrateScreen::selectListItems(const std::vector<int>& items) {
-    std::vector<int> inOrder = items;
-    std::sort(inOrder.begin(), inOrder.end());
-    inOrder.erase(std::unique(inOrder.begin(), inOrder.end()), inOrder.end());
-    selectedPredictors.clear();
-    for (int item : inOrder) {
-        if (item >= 0 && item < static_cast<int>(folderFiles.size())) {
-            selectedPredictors.push_back(
-                (std::filesystem::path(predictorFolder) / folderFiles[static_cast<size_t>(item)])
-                    .string());
-        }
-    }
-}
-
-void CalibrateScreen::choosePredictors(const std::vector<std::string>& paths) {
-    selectedPredictors = paths;
 }
 
 void CalibrateScreen::chooseParFile(const std::string& path) {
@@ -134,7 +78,7 @@ void CalibrateScreen::chooseParFile(const std::string& path) {
 }
 
 void CalibrateScreen::pickParFile(Dialogs& dialogs) {
-    if (const auto path = dialogs.pickSaveFile(ParFilter, state_.defaultDir, "PAR")) {
+    if (const auto path = dialogs.pickSaveFile(filter::Parameter, state_.defaultDir, "PAR")) {
         chooseParFile(*path);
     }
 }
@@ -163,22 +107,20 @@ bool CalibrateScreen::checkFitEnd(Dialogs& dialogs) {
 }
 
 bool CalibrateScreen::checkFolds(Dialogs& dialogs) {
-    return noOfFoldsText.check(dialogs,
-                               numberBetween(2, 10, "Folds value is invalid.",
-                                             "Number of folds cannot be less than 2 or greater "
-                                             "than 10."));
+    return noOfFoldsText.check(
+        dialogs, rangeCheck(2, 10, "Folds value is invalid.",
+                            "Number of folds cannot be less than 2 or greater than 10."));
 }
 
 bool CalibrateScreen::checkHistogramCategories(Dialogs& dialogs) {
     return histogramCatsText.check(
-        dialogs, numberBetween(5, 100, "Histogram catgeories value is invalid.",
-                               "Histogram catgeories cannot be less than 5 or greater than 100."));
+        dialogs, rangeCheck(5, 100, "Histogram catgeories value is invalid.",
+                            "Histogram catgeories cannot be less than 5 or greater than 100."));
 }
 
 bool CalibrateScreen::checkParFileName(Dialogs& dialogs) {
     const std::string_view name = parFileText;
-    const std::string_view extension = name.size() >= 4 ? name.substr(name.size() - 4) : name;
-    if (extension != ".PAR" && extension != ".par") {
+    if (!isParameterFile(name)) {
         dialogs.error("PAR file name must end in .PAR or .par");
         return false;
     }
@@ -199,13 +141,13 @@ bool CalibrateScreen::checkInputs(Dialogs& dialogs) {
         dialogs.error(message);
         return false;
     };
-    if (ptandText == NotSelected) {
+    if (predictand.text == NotSelected) {
         return refuse("You must select a predictand.");
     }
-    if (noOfFiles() < 1) {
+    if (predictors.count() < 1) {
         return refuse("You must select at least one predictor.");
     }
-    if (stepwise && noOfFiles() > calibration::MaxStepwisePredictors) {
+    if (stepwise && predictors.count() > static_cast<size_t>(calibration::MaxStepwisePredictors)) {
         return refuse("You cannot select more than 8 predictors for the stepwise approach.");
     }
     if (stepwise && xValidationCheck) {
@@ -229,28 +171,25 @@ bool CalibrateScreen::checkInputs(Dialogs& dialogs) {
 }
 
 std::vector<std::string> CalibrateScreen::inputPaths() const {
-    std::vector<std::string> paths{predictandPath};
-    paths.insert(paths.end(), selectedPredictors.begin(), selectedPredictors.end());
+    std::vector<std::string> paths{predictand.path};
+    paths.insert(paths.end(), predictors.selected.begin(), predictors.selected.end());
     return paths;
 }
 
 calibration::CalibrationRequest CalibrateScreen::request() const {
     calibration::CalibrationRequest r;
-    r.data.predictandPath = predictandPath;
-    r.data.predictorPaths = selectedPredictors;
+    r.data.predictandPath = predictand.path;
+    r.data.predictorPaths = predictors.selected;
     r.data.fitStart = *core::parseDate(fsDate.text);
     r.data.fitEnd = *core::parseDate(feDate.text);
     r.data.fitDays = core::daysInclusive(r.data.fitStart, r.data.fitEnd);
     r.data.modelType = static_cast<calibration::ModelType>(modelType);
-    r.predictandName = ptandText;
+    r.predictandName = predictand.text;
     r.fitStartText = fsDate.text;
     r.conditional = parmOpt == Conditional;
     r.autoregression = autoRegressionCheck;
     r.includeChow = includeChow;
-    r.crossValidationFolds =
-        xValidationCheck
-            ? static_cast<int>(core::roundHalfEven(core::leadingNumber(noOfFoldsText.text)))
-            : 0;
+    r.crossValidationFolds = xValidationCheck ? core::roundedInteger(noOfFoldsText.text) : 0;
     return r;
 }
 
@@ -306,8 +245,7 @@ CalibrateScreen::residualChart(const std::vector<calibration::ResidualPair>& pai
         return residualScatterChart(pairs, state_);
     }
     if (graphType == Histogram) {
-        const auto bars = core::roundHalfEven(core::leadingNumber(histogramCatsText.text));
-        return residualHistogramChart(pairs, static_cast<int>(bars), state_);
+        return residualHistogramChart(pairs, core::roundedInteger(histogramCatsText.text), state_);
     }
     return std::nullopt;
 }

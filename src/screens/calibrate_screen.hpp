@@ -16,6 +16,8 @@
 #include "core/program_state.hpp"
 #include "core/progress.hpp"
 #include "screens/dialogs.hpp"
+#include "screens/file_choice.hpp"
+#include "screens/predictor_picker.hpp"
 #include "screens/screen_run.hpp"
 #include "screens/text_field.hpp"
 
@@ -29,11 +31,7 @@ namespace varo::screens {
 
 class CalibrateScreen {
 public:
-    static constexpr std::string_view NotSelected = "Not selected";
     static constexpr std::string_view NoParFile = "*.PAR";
-    static constexpr std::string_view PredictandFilter =
-        "All Files (*.*)|*.*|DAT Files (*.DAT)|*.DAT|TXT Files (*.TXT)|*.TXT";
-    static constexpr std::string_view ParFilter = "PAR Files (*.PAR)|*.PAR|All Files (*.*)|*.*";
     static constexpr std::string_view DefaultFolds = "2";
     static constexpr std::string_view DefaultHistogramCategories = "20";
 
@@ -44,11 +42,8 @@ public:
     explicit CalibrateScreen(core::ProgramState& state);
 
     // Inputs, named after the screen's controls.
-    std::string ptandText{NotSelected};
-    std::string predictandPath;
-    std::string predictorFolder;                 // Dir2
-    std::vector<std::string> folderFiles;        // File2: the folder's files, in list order
-    std::vector<std::string> selectedPredictors; // full paths, in model order
+    ChosenFile predictand;      // PtandText
+    PredictorPicker predictors; // in model order
     TextField fsDate;
     TextField feDate;
     std::string noOfDays;
@@ -80,16 +75,7 @@ public:
     // command line; the desktop shows nothing.
     std::string silentStopReason;
 
-    void choosePredictand(const std::string& path);
     void pickPredictand(Dialogs& dialogs);
-    // Shows the folder's files in the list, sorted by name, with nothing selected.
-    void setPredictorFolder(const std::string& folder);
-    void pickPredictorFolder(Dialogs& dialogs);
-    // Selects items of the folder list (0-based); the model takes them in list order.
-    void selectListItems(const std::vector<int>& items);
-    // Predictor files given by path, in model order.
-    void choosePredictors(const std::vector<std::string>& paths);
-    int noOfFiles() const { return static_cast<int>(selectedPredictors.size()); }
     void chooseParFile(const std::string& path);
     void pickParFile(Dialogs& dialogs);
 

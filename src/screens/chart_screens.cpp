@@ -103,7 +103,7 @@ std::vector<TextField*> ChartSettingsScreen::allFields() {
 // The other end of the vertical scale: what its field holds when that is a number, its
 // last good value otherwise.
 double ChartSettingsScreen::otherBound(const TextField& field) const {
-    return charts::fieldNumber(core::isNumeric(field.text) ? field.text : field.lastGood);
+    return core::leadingNumber(core::isNumeric(field.text) ? field.text : field.lastGood);
 }
 
 bool ChartSettingsScreen::checkMinY(Dialogs& dialogs) {
@@ -172,8 +172,8 @@ bool ChartSettingsScreen::change(Dialogs& dialogs) {
         if (!checkYMin(dialogs) || !checkYMax(dialogs)) {
             return false;
         }
-        if (const auto message = charts::checkYMinBelowYMax(charts::fieldNumber(yMinText.text),
-                                                            charts::fieldNumber(yMaxText.text))) {
+        if (const auto message = charts::checkYMinBelowYMax(core::leadingNumber(yMinText.text),
+                                                            core::leadingNumber(yMaxText.text))) {
             dialogs.error(*message);
             return false;
         }
@@ -190,26 +190,26 @@ bool ChartSettingsScreen::change(Dialogs& dialogs) {
     chart.xAxis.title = xTitleText.text;
     chart.yAxis.title = yTitleText.text;
     if (fields_.minMaxY) {
-        chart.yAxis.scale = {charts::fieldNumber(minYText.text), charts::fieldNumber(maxYText.text),
-                             charts::fieldInteger(tickText.text)};
+        chart.yAxis.scale = {core::leadingNumber(minYText.text), core::leadingNumber(maxYText.text),
+                             core::roundedInteger(tickText.text)};
     }
     if (fields_.yMinMaxDivision) {
-        chart.yAxis.scale = {charts::fieldNumber(yMinText.text), charts::fieldNumber(yMaxText.text),
-                             charts::fieldInteger(yAxisDivision.text)};
+        chart.yAxis.scale = {core::leadingNumber(yMinText.text), core::leadingNumber(yMaxText.text),
+                             core::roundedInteger(yAxisDivision.text)};
     }
     if (fields_.xLabelGap) {
-        chart.xLabelGap = charts::fieldInteger(xLabelGapText.text);
+        chart.xLabelGap = core::roundedInteger(xLabelGapText.text);
         chart.xAxis.labels = chart.xLabelGap > 0;
     }
     if (fields_.dotAndLineSize) {
-        chart.dotSize = charts::fieldInteger(dotSizeText.text);
-        chart.lineSize = charts::fieldInteger(lineSizeText.text);
+        chart.dotSize = core::roundedInteger(dotSizeText.text);
+        chart.lineSize = core::roundedInteger(lineSizeText.text);
     }
     for (size_t i = 0; i < legendText.size(); ++i) {
         chart.series[i].name = legendText[i].text;
     }
     for (size_t i = 0; i < widthText.size(); ++i) {
-        chart.series[i].penWidth = charts::fieldInteger(widthText[i].text);
+        chart.series[i].penWidth = core::roundedInteger(widthText[i].text);
     }
     return true;
 }
@@ -248,7 +248,7 @@ bool ChartSettingsScreen::applyTicks(Dialogs& dialogs) {
         charts::ChartModel& chart = chartScreen_.chart();
         chart.yAxis.ticks = true;
         chart.yAxis.scale.divisions =
-            charts::fieldInteger(fields_.yMinMaxDivision ? yAxisDivision.text : tickText.text);
+            core::roundedInteger(fields_.yMinMaxDivision ? yAxisDivision.text : tickText.text);
     }
     return ok;
 }

@@ -14,10 +14,18 @@ const std::vector<std::string> NoStatistics;
 // The picked column with missing rows as NoValue.
 std::vector<double> pickedColumn(const CompareResultsScreen::ResultsFile& file) {
     std::vector<double> values;
-    for (const auto& value : file.table->values[*file.statistic]) {
-        values.push_back(value ? *value : charts::NoValue);
+    for (const auto& value : file.table->column(*file.statistic)) {
+        values.push_back(value.value_or(charts::NoValue));
     }
     return values;
+}
+
+std::vector<std::string> rowLabels(const core::ResultsTable& table) {
+    std::vector<std::string> labels;
+    for (const auto& row : table.rows) {
+        labels.push_back(row.label);
+    }
+    return labels;
 }
 
 bool hasPick(const CompareResultsScreen::ResultsFile& file) {
@@ -25,17 +33,17 @@ bool hasPick(const CompareResultsScreen::ResultsFile& file) {
 }
 
 std::string seriesLabel(const CompareResultsScreen::ResultsFile& file) {
-    return file.fileName() + ": " + file.table->statistics[*file.statistic];
+    return file.fileName() + ": " + file.table->columns[*file.statistic];
 }
 
 } // namespace
 
 const std::vector<std::string>& CompareResultsScreen::ResultsFile::statisticList() const {
-    return table ? table->statistics : NoStatistics;
+    return table ? table->columns : NoStatistics;
 }
 
 std::string CompareResultsScreen::ResultsFile::fileName() const {
-    return table ? std::filesystem::path(table->path).filename().string() : fileText;
+    return table ? std::filesystem::path(path).filename().string() : fileText;
 }
 
 CompareResultsScreen::CompareResultsScreen(core::ProgramState& state)
@@ -45,6 +53,7 @@ bool CompareResultsScreen::chooseFile(size_t which, const std::string& path, Dia
     try {
         ResultsFile chosen;
         chosen.table = statistics::readResultsTable(path, state_.globalMissingCode);
+        chosen.path = path;
         chosen.fileText = chosen.fileName();
         files[which] = std::move(chosen);
     } catch (const core::Failure& failure) {
@@ -52,13 +61,13 @@ bool CompareResultsScreen::chooseFile(size_t which, const std::string& path, Dia
         return false;
     }
     if (which == 1 && hasPick(files[0])) {
-        pickStatistic(1, files[0].table->statistics[*files[0].statistic]);
+        pickStatistic(1, files[0].table->columns[*files[0].statistic]);
     }
     return true;
 }
 
 void CompareResultsScreen::pickFile(size_t which, Dialogs& dialogs) {
-    if (const auto path = dialogs.pickOpenFile(ResultsFilter, state_.defaultDir)) {
+    if (const auto path = dialogs.pickOpenFile(filter::Text, state_.defaultDir)) {
         chooseFile(which, *path, dialogs);
     }
 }
@@ -73,13 +82,13 @@ bool CompareResultsScreen::pickStatistic(size_t which, const std::string& name) 
         file.statistic.reset();
         return true;
     }
-    const auto index = file.table ? file.table->statisticIndex(name) : std::nullopt;
+    const auto index = file.table ? file.table->columnIndex(name) : std::nullopt;
     if (!index) {
         return false;
     }
     file.statistic = index;
-    if (which == 0 && files[1].table && files[1].table->statisticIndex(name)) {
-        files[1].statistic = files[1].table->statisticIndex(name);
+    if (which == 0 && files[1].table && files[1].table->columnIndex(name)) {
+        files[1].statistic = files[1].table->columnIndex(name);
     }
     return true;
 }
@@ -108,7 +117,7 @@ std::optional<charts::ChartModel> CompareResultsScreen::plot(Dialogs& dialogs) {
             series.push_back({seriesLabel(file), pickedColumn(file)});
         }
     }
-    return charts::resultChart(chartOption == Bar, files[0].table->rowNames, std::move(series),
+    return charts::resultChart(chartOption == Bar, rowLabels(*files[0].table), std::move(series),
                                state_);
 }
 
@@ -126,10 +135,10 @@ core::ResultsTable CompareResultsScreen::comparedTable() const {
     if (compared.empty()) {
         return table;
     }
-    for (size_t row = 0; row < compared.front()->table->rowNames.size(); ++row) {
-        core::ResultsTable::Row line{compared.front()->table->rowNames[row], {}};
+    for (size_t row = 0; row < compared.front()->table->rows.size(); ++row) {
+        core::ResultsTable::Row line{compared.front()->table->rows[row].label, {}};
         for (const ResultsFile* file : compared) {
-            line.cells.push_back({file->table->values[*file->statistic][row], false});
+            line.cells.push_back({file->table->rows[row].cells[*file->statistic].value, false});
         }
         table.rows.push_back(std::move(line));
     }

@@ -9,6 +9,7 @@
 #include "core/program_state.hpp"
 #include "core/results_table.hpp"
 #include "screens/dialogs.hpp"
+#include "screens/file_choice.hpp"
 #include "statistics/results_reader.hpp"
 
 #include <array>
@@ -21,14 +22,13 @@ namespace varo::screens {
 
 class CompareResultsScreen {
 public:
-    static constexpr std::string_view ResultsFilter = "TXT Files (*.TXT)|*.TXT|All Files (*.*)|*.*";
-    static constexpr std::string_view NotSelected = "Not selected";
     enum ChartOption { Bar = 0, Line = 1 };
 
     struct ResultsFile {
         std::string fileText{NotSelected}; // the file's name, or "Not selected"
-        std::optional<statistics::ResultsFileTable> table;
-        std::optional<size_t> statistic; // picked in the file's list
+        std::string path;
+        std::optional<core::ResultsTable> table; // its first table
+        std::optional<size_t> statistic;         // picked in the file's list
 
         const std::vector<std::string>& statisticList() const;
         std::string fileName() const; // the name without its folder

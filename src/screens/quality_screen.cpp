@@ -16,14 +16,9 @@ QualityScreen::QualityScreen(core::ProgramState& state) : state_(state) {
     refreshGlobals();
 }
 
-void QualityScreen::chooseFile(const std::string& path) {
-    filePath = path;
-    selectFileText = core::bareFileName(path);
-}
-
 void QualityScreen::pickFile(Dialogs& dialogs) {
-    if (const auto path = dialogs.pickOpenFile(FileFilter, state_.defaultDir)) {
-        chooseFile(*path);
+    if (const auto path = dialogs.pickOpenFile(filter::Data, state_.defaultDir)) {
+        file.choose(*path);
     }
 }
 
@@ -43,8 +38,7 @@ void QualityScreen::clearResults() {
 
 void QualityScreen::reset() {
     clearResults();
-    selectFileText = NotSelected;
-    filePath.clear();
+    file.clear();
     refreshGlobals();
 }
 
@@ -58,7 +52,7 @@ void QualityScreen::showResults(const dataprep::QualityResults& found) {
     maxText = core::generalText(found.maximum);
     if (!found.mean) {
         throw core::Failure(core::failure::DivisionByZero,
-                            "Every value in '" + filePath + "' equals the missing value code " +
+                            "Every value in '" + file.path + "' equals the missing value code " +
                                 core::generalText(state_.globalMissingCode) +
                                 ", so no mean can be calculated.");
     }
@@ -70,7 +64,7 @@ void QualityScreen::showResults(const dataprep::QualityResults& found) {
 }
 
 RunOutcome QualityScreen::check(Dialogs& dialogs, core::Progress& progress) {
-    if (filePath.empty()) {
+    if (!file.chosen()) {
         dialogs.error("You must select a file to check first.");
         return RunOutcome::Refused;
     }
@@ -78,17 +72,17 @@ RunOutcome QualityScreen::check(Dialogs& dialogs, core::Progress& progress) {
     return guardedRun(
         dialogs,
         [&] {
-            if (dataprep::firstLineTooLong(filePath)) {
+            if (dataprep::firstLineTooLong(file.path)) {
                 warningsShown.emplace_back(FirstLineWarning);
                 dialogs.message("Warning Message", FirstLineWarning, Icon::Warning);
             }
-            const auto found =
-                dataprep::checkQuality(filePath, state_.globalMissingCode, state_.thresh, progress);
+            const auto found = dataprep::checkQuality(file.path, state_.globalMissingCode,
+                                                      state_.thresh, progress);
             results = found;
             showResults(found);
             dialogs.message("Quality check complete",
                             std::to_string(found.total) + " values processed in " +
-                                core::bareFileName(filePath) + ".",
+                                core::bareFileName(file.path) + ".",
                             Icon::Information);
             return RunOutcome::Done;
         },

@@ -5,6 +5,7 @@
 #include "core/program_state.hpp"
 #include "dataprep/quality_check.hpp"
 #include "screens/dialogs.hpp"
+#include "screens/file_choice.hpp"
 #include "screens/screen_run.hpp"
 
 #include <optional>
@@ -15,15 +16,10 @@ namespace varo::screens {
 
 class QualityScreen {
 public:
-    static constexpr std::string_view FileFilter =
-        "All Files (*.*)|*.*|DAT Files (*.DAT)|*.DAT|TXT Files (*.TXT)|*.TXT";
-    static constexpr std::string_view NotSelected = "Not selected";
-
     explicit QualityScreen(core::ProgramState& state);
 
     // Inputs.
-    std::string selectFileText{NotSelected};
-    std::string filePath;
+    ChosenFile file; // SelectFileText
     std::string missingCodeText;
 
     // Results, blank until a check has run.
@@ -42,7 +38,6 @@ public:
     std::optional<dataprep::QualityResults> results;
     std::vector<std::string> warningsShown;
 
-    void chooseFile(const std::string& path);
     // Opens the file picker on the default folder.
     void pickFile(Dialogs& dialogs);
     // The toolbar's check key.

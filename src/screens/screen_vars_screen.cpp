@@ -1,7 +1,6 @@
 #include "screens/screen_vars_screen.hpp"
 
 #include "screens/fit_period.hpp"
-#include "screens/folder_listing.hpp"
 
 #include "core/dates.hpp"
 #include "core/failure.hpp"
@@ -10,34 +9,8 @@
 
 #include <algorithm>
 #include <cctype>
-#include <filesystem>
 
 namespace varo::screens {
-
-namespace {
-
-std::string lowerCase(std::string_view text) {
-    std::string lower(text);
-    std::transform(lower.begin(), lower.end(), lower.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-    return lower;
-}
-
-} // namespace
-
-std::string predictorDescription(const core::ProgramState& state, std::string_view fileName) {
-    const std::string name = lowerCase(fileName);
-    size_t earliest = std::string::npos;
-    std::string description;
-    for (const auto& entry : state.predictorTable) {
-        const size_t at = name.find(entry.code);
-        if (at < earliest) {
-            earliest = at;
-            description = entry.description;
-        }
-    }
-    return description;
-}
 
 std::vector<std::string> periodEntries(const core::ProgramState& state) {
     std::vector<std::string> entries{state.periodNames[17]};
@@ -55,9 +28,8 @@ ScreenVarsScreen::ScreenVarsScreen(core::ProgramState& state) : state_(state) {
 }
 
 void ScreenVarsScreen::reset() {
-    ptandText = NotSelected;
-    predictandPath.clear();
-    setPredictorFolder(state_.defaultDir);
+    predictand.clear();
+    predictors.setFolder(state_.defaultDir);
     refreshGlobals();
     fsDate.reset(core::formatDate(state_.globalSDate));
     feDate.reset(core::formatDate(state_.globalEDate));
@@ -80,13 +52,13 @@ void ScreenVarsScreen::clearResults() {
     correlation.reset();
     variance.reset();
     report.reset();
+    tables.clear();
     scatterPoints.reset();
 }
 
 void ScreenVarsScreen::choosePredictand(const std::string& path) {
-    predictandPath = path;
-    ptandText = core::bareFileName(path);
-    state_.selectedPredictandName = ptandText;
+    predictand.choose(path);
+    state_.selectedPredictandName = predictand.text;
     state_.selectedPredictandPath = path;
 }
 
@@ -94,44 +66,25 @@ void ScreenVarsScreen::pickPredictand(Dialogs& dialogs) {
     const std::string start = state_.selectedPredictandPath.empty()
                                   ? state_.defaultDir
                                   : core::folderOf(state_.selectedPredictandPath);
-    if (const auto path = dialogs.pickOpenFile(PredictandFilter, start)) {
+    if (const auto path = dialogs.pickOpenFile(filter::DatFirst, start)) {
         choosePredictand(*path);
     }
 }
 
-void ScreenVarsScreen::setPredictorFolder(const std::string& folder) {
-    predictorFolder = folder;
-    predictorFiles.clear();
-    selectedPredictors.clear();
-    noOfFiles = std::to_string(selectedPredictors.size());
-    predictorFiles = folderDataFiles(folder);
-}
-
 void ScreenVarsScreen::warnIfTooMany(Dialogs& dialogs) const {
-    if (selectedPredictors.size() > static_cast<size_t>(screening::MaxCorrelationPredictors)) {
+    if (predictors.count() > static_cast<size_t>(screening::MaxCorrelationPredictors)) {
         dialogs.message("Warning", "Can only display up to 12 predictors in correlation analysis.",
                         Icon::Warning);
     }
 }
 
 void ScreenVarsScreen::selectPredictorItems(const std::vector<size_t>& indices, Dialogs& dialogs) {
-    std::vector<size_t> ordered = indices;
-    std::sort(ordered.begin(), ordered.end());
-    ordered.erase(std::unique(ordered.begin(), ordered.end()), ordered.end());
-    selectedPredictors.clear();
-    for (const size_t index : ordered) {
-        if (index < predictorFiles.size()) {
-            selectedPredictors.push_back(
-                (std::filesystem::path(predictorFolder) / predictorFiles[index]).string());
-        }
-    }
-    noOfFiles = std::to_string(selectedPredictors.size());
+    predictors.selectItems(indices);
     warnIfTooMany(dialogs);
 }
 
 void ScreenVarsScreen::choosePredictors(const std::vector<std::string>& paths, Dialogs& dialogs) {
-    selectedPredictors = paths;
-    noOfFiles = std::to_string(selectedPredictors.size());
+    predictors.choose(paths);
     warnIfTooMany(dialogs);
 }
 
@@ -165,17 +118,10 @@ bool ScreenVarsScreen::checkFitEnd(Dialogs& dialogs) {
 }
 
 bool ScreenVarsScreen::checkSigLevel(Dialogs& dialogs) {
-    const bool ok =
-        sigLevelText.check(dialogs, [](const std::string& text) -> std::optional<std::string> {
-            if (!core::isNumeric(text)) {
-                return "Significance level must be a value.";
-            }
-            const double value = core::leadingNumber(text);
-            if (value <= 0.0 || value >= 1.0) {
-                return "Significance level must be positive and less than 1.";
-            }
-            return std::nullopt;
-        });
+    const bool ok = sigLevelText.check(
+        dialogs, rangeCheck(0.0, 1.0, "Significance level must be a value.",
+                            "Significance level must be positive and less than 1.",
+                            core::RangeEnds::Excluded));
     if (ok) {
         sigLevel = static_cast<float>(core::leadingNumber(sigLevelText.text));
     }
@@ -183,16 +129,16 @@ bool ScreenVarsScreen::checkSigLevel(Dialogs& dialogs) {
 }
 
 bool ScreenVarsScreen::checkSelection(Dialogs& dialogs, bool limitTo12) {
-    if (predictandPath.empty()) {
+    if (!predictand.chosen()) {
         dialogs.error("You must select a predictand.");
         return false;
     }
-    if (selectedPredictors.empty()) {
+    if (predictors.count() == 0) {
         dialogs.error("You must select at least one predictor.");
         return false;
     }
     if (limitTo12 &&
-        selectedPredictors.size() > static_cast<size_t>(screening::MaxCorrelationPredictors)) {
+        predictors.count() > static_cast<size_t>(screening::MaxCorrelationPredictors)) {
         dialogs.error("Sorry - you are allowed a maximum of 12 predictors only.");
         return false;
     }
@@ -201,8 +147,8 @@ bool ScreenVarsScreen::checkSelection(Dialogs& dialogs, bool limitTo12) {
 
 screening::ScreeningRequest ScreenVarsScreen::request() const {
     screening::ScreeningRequest request;
-    request.predictandPath = predictandPath;
-    request.predictorPaths = selectedPredictors;
+    request.predictandPath = predictand.path;
+    request.predictorPaths = predictors.selected;
     request.fitStart = *core::parseDate(fsDate.text);
     request.fitEnd = *core::parseDate(feDate.text);
     request.period = datesCombo;
@@ -226,7 +172,12 @@ RunOutcome ScreenVarsScreen::correlate(Dialogs& dialogs, core::Progress& progres
             const screening::ReportHeading heading{
                 fsDate.text, feDate.text,
                 periodEntries(state_)[static_cast<size_t>(std::clamp(datesCombo, 0, 16))]};
-            report = screening::correlationReport(assembled, result, heading, asked.conditional);
+            auto made = screening::correlationTables(assembled, result);
+            report = screening::correlationReport(assembled, made, heading, asked.conditional);
+            tables = {{"correlations", made.matrix}};
+            if (made.partials) {
+                tables.push_back({"partials", *made.partials});
+            }
             data = std::move(assembled);
             correlation = result;
             return RunOutcome::Done;
@@ -248,8 +199,13 @@ RunOutcome ScreenVarsScreen::explainVariance(Dialogs& dialogs, core::Progress& p
         [&] {
             auto result = screening::explainVariance(request(), state_, progress);
             fileList = result.names;
-            report = screening::varianceReport(
-                result, {fsDate.text, feDate.text, sigLevelText.text}, sigLevel);
+            tables = {{"results", screening::varianceTable(result, sigLevel)}};
+            for (const std::string_view statistic : screening::VarianceStatistics) {
+                tables.push_back(
+                    {std::string(statistic), screening::varianceStatisticTable(result, statistic)});
+            }
+            report = screening::varianceReport(result, tables.front().table,
+                                               {fsDate.text, feDate.text, sigLevelText.text});
             variance = std::move(result);
             return RunOutcome::Done;
         },
@@ -261,15 +217,15 @@ RunOutcome ScreenVarsScreen::explainVariance(Dialogs& dialogs, core::Progress& p
 
 RunOutcome ScreenVarsScreen::scatter(Dialogs& dialogs, core::Progress& progress) {
     clearResults();
-    if (predictandPath.empty()) {
+    if (!predictand.chosen()) {
         dialogs.error("You must select a predictand.");
         return RunOutcome::Refused;
     }
-    if (!autoRegressionTick && selectedPredictors.empty()) {
+    if (!autoRegressionTick && predictors.count() == 0) {
         dialogs.error("You must select one predictor to plot with.");
         return RunOutcome::Refused;
     }
-    if (!autoRegressionTick && selectedPredictors.size() > 1) {
+    if (!autoRegressionTick && predictors.count() > 1) {
         dialogs.error("You must select only one predictor only to plot with.");
         return RunOutcome::Refused;
     }
@@ -324,7 +280,7 @@ std::optional<std::string> ScreenVarsScreen::pickAndSaveReport(Dialogs& dialogs)
         dialogs.error(NoReportMessage);
         return std::nullopt;
     }
-    const auto path = dialogs.pickSaveFile(ReportFilter, state_.defaultDir, "TXT");
+    const auto path = dialogs.pickSaveFile(filter::Text, state_.defaultDir, "TXT");
     if (!path || !saveReport(*path, dialogs)) {
         return std::nullopt;
     }

@@ -11,6 +11,8 @@
 #include "screening/scatter.hpp"
 #include "screening/screening_data.hpp"
 #include "screens/dialogs.hpp"
+#include "screens/file_choice.hpp"
+#include "screens/predictor_picker.hpp"
 #include "screens/screen_run.hpp"
 #include "screens/text_field.hpp"
 
@@ -19,11 +21,6 @@
 #include <vector>
 
 namespace varo::screens {
-
-// The description of a predictor file from the predictor table: the table code that
-// stands earliest in the file's name ("mslp.dat", "obs_mslp_1961.dat"), letters compared
-// without regard to case; empty when no code stands in it.
-std::string predictorDescription(const core::ProgramState& state, std::string_view fileName);
 
 // Writes report lines as a text file, each ended by carriage return and line feed. A file
 // that cannot be written gets the failure box, and a partly written one is removed. True
@@ -36,22 +33,14 @@ std::vector<std::string> periodEntries(const core::ProgramState& state);
 
 class ScreenVarsScreen {
 public:
-    static constexpr std::string_view PredictandFilter =
-        "DAT Files (*.DAT)|*.DAT|All Files (*.*)|*.*";
-    static constexpr std::string_view NotSelected = "Not selected";
-    static constexpr std::string_view ReportFilter = "TXT Files (*.TXT)|*.TXT|All Files (*.*)|*.*";
     static constexpr int Conditional = 0;
     static constexpr int Unconditional = 1;
 
     explicit ScreenVarsScreen(core::ProgramState& state);
 
     // Inputs.
-    std::string ptandText{NotSelected};
-    std::string predictandPath;
-    std::string predictorFolder;                 // Dir2
-    std::vector<std::string> predictorFiles;     // File2: the folder's files, by name
-    std::vector<std::string> selectedPredictors; // full paths, in list order
-    std::string noOfFiles{"0"};
+    ChosenFile predictand; // PtandText
+    PredictorPicker predictors;
     std::string sDate; // the record's dates, shown
     std::string eDate;
     TextField fsDate;
@@ -68,6 +57,10 @@ public:
     std::optional<screening::CorrelationResult> correlation;
     std::optional<screening::ExplainedVariance> variance;
     std::optional<screening::ReportText> report;
+    // The report's results as tables, by the names JSON gives them: "correlations" and
+    // "partials" of a correlation; "results" (significant r squared, the best picked out)
+    // and every month's "n", "r", "rSquared", "t" and "p" of an explained variance.
+    std::vector<core::NamedTable> tables;
     std::optional<screening::ScatterData> scatterPoints;
 
     // The predictand picker opens on the folder of the last predictand chosen, else on
@@ -75,9 +68,6 @@ public:
     void choosePredictand(const std::string& path);
     void pickPredictand(Dialogs& dialogs);
 
-    // Lists the folder's files (by name, letters without regard to case) and clears the
-    // selection.
-    void setPredictorFolder(const std::string& folder);
     // Selects items of the list; more than 12 shows a warning (the selection stands).
     void selectPredictorItems(const std::vector<size_t>& indices, Dialogs& dialogs);
     // Selects predictor files by path, in the order given (the command line's way).

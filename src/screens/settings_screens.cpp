@@ -197,14 +197,7 @@ bool AdvSettingsScreen::checkMonthModification(Dialogs& dialogs, int monthIndex)
     TextField& field = zomText[static_cast<size_t>(monthIndex)];
     const std::string message = std::string("Modification value for ") + MonthNames[monthIndex] +
                                 " must be between 0 and 100.";
-    const bool ok =
-        field.check(dialogs, [&message](const std::string& text) -> std::optional<std::string> {
-            const double value = core::leadingNumber(text);
-            if (!core::isNumeric(text) || value < 0.0 || value > 100.0) {
-                return message;
-            }
-            return std::nullopt;
-        });
+    const bool ok = field.check(dialogs, rangeCheck(0.0, 100.0, message, message));
     if (ok) {
         state_.monthModification[static_cast<size_t>(monthIndex)] =
             static_cast<float>(core::leadingNumber(field.text));

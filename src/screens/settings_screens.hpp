@@ -5,6 +5,7 @@
 
 #include "core/program_state.hpp"
 #include "screens/dialogs.hpp"
+#include "screens/file_choice.hpp"
 #include "screens/text_field.hpp"
 
 #include <array>
@@ -54,9 +55,6 @@ private:
 
 class AdvSettingsScreen {
 public:
-    static constexpr std::string_view SettingsFileFilter =
-        "INI Files (*.INI)|*.INI|All Files (*.*)|*.*";
-
     explicit AdvSettingsScreen(core::ProgramState& state);
 
     std::string settingsFileText;

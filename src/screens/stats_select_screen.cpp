@@ -34,13 +34,8 @@ PeriodWords wordsFor(StatsSelectScreen::Period period) {
 }
 
 FieldCheck percentileCheck() {
-    return [](const std::string& text) -> std::optional<std::string> {
-        const double value = core::leadingNumber(text);
-        if (!core::isNumeric(text) || value < 0.0 || value > 100.0) {
-            return "Percentile must be a value between 0 and 100.";
-        }
-        return std::nullopt;
-    };
+    const std::string message = "Percentile must be a value between 0 and 100.";
+    return rangeCheck(0.0, 100.0, message, message);
 }
 
 FieldCheck thresholdCheck() {
@@ -152,13 +147,8 @@ bool StatsSelectScreen::checkPbtThresh(Dialogs& dialogs) {
 }
 
 bool StatsSelectScreen::checkNDayTotal(Dialogs& dialogs) {
-    return nDayTotalText.check(dialogs, [](const std::string& text) -> std::optional<std::string> {
-        const double value = core::leadingNumber(text);
-        if (!core::isNumeric(text) || value < 2.0 || value > 100.0) {
-            return "N-day total must be a value between 2 and 100.";
-        }
-        return std::nullopt;
-    });
+    const std::string message = "N-day total must be a value between 2 and 100.";
+    return nDayTotalText.check(dialogs, rangeCheck(2.0, 100.0, message, message));
 }
 
 TextField& StatsSelectScreen::startText(Period period) {
@@ -217,8 +207,7 @@ void StatsSelectScreen::leave() {
     p.potPercentile = static_cast<float>(core::leadingNumber(precPotText.lastGood));
     p.peaksOverThreshold = static_cast<float>(core::leadingNumber(poThreshText.lastGood));
     p.peaksBelowThreshold = static_cast<float>(core::leadingNumber(pbtThreshText.lastGood));
-    p.nDayTotal =
-        static_cast<std::int16_t>(core::roundHalfEven(core::leadingNumber(nDayTotalText.lastGood)));
+    p.nDayTotal = static_cast<std::int16_t>(core::roundedInteger(nDayTotalText.lastGood));
 }
 
 } // namespace varo::screens

@@ -17,29 +17,19 @@ SynthesizeScreen::SynthesizeScreen(core::ProgramState& state) : state_(state) {
     reset();
 }
 
-void SynthesizeScreen::chooseParFile(const std::string& path) {
-    parFilePath = path;
-    parFileText = core::bareFileName(path);
-}
-
-void SynthesizeScreen::chooseOutFile(const std::string& path) {
-    outFilePath = path;
-    outFileText = core::bareFileName(path);
-}
-
 void SynthesizeScreen::setPredictorFolder(const std::string& folder) {
     predictorFolder = folder;
 }
 
 void SynthesizeScreen::pickParFile(Dialogs& dialogs) {
-    if (const auto path = dialogs.pickOpenFile(ParFilter, state_.defaultDir)) {
-        chooseParFile(*path);
+    if (const auto path = dialogs.pickOpenFile(filter::Parameter, state_.defaultDir)) {
+        parFile.choose(*path);
     }
 }
 
 void SynthesizeScreen::pickOutFile(Dialogs& dialogs) {
-    if (const auto path = dialogs.pickSaveFile(OutFilter, state_.defaultDir, "OUT")) {
-        chooseOutFile(*path);
+    if (const auto path = dialogs.pickSaveFile(filter::Out, state_.defaultDir, "OUT")) {
+        outFile.choose(*path);
     }
 }
 
@@ -53,10 +43,8 @@ void SynthesizeScreen::reset() {
     cleanup();
     // Fresh strings moved in (rather than texts copied over old ones) keep GCC 12's
     // optimiser from a false overlap warning.
-    parFileText = std::string(NotSelected);
-    parFilePath.clear();
-    outFileText = std::string(NotSelected);
-    outFilePath.clear();
+    parFile.clear();
+    outFile.clear();
     noOfPredText = std::string("0");
     rStartText = std::string(Unknown);
     rLengthText = std::string(Unknown);
@@ -78,16 +66,15 @@ void SynthesizeScreen::cleanup() {
 }
 
 bool SynthesizeScreen::checkParameterFile(Dialogs& dialogs) {
-    if (parFilePath.empty()) {
+    if (!parFile.chosen()) {
         dialogs.error("You must select a parameter file first.");
         return false;
     }
-    if (parFilePath.size() < 5) {
+    if (parFile.path.size() < 5) {
         dialogs.error("You must select an appropriate parameter file.");
         return false;
     }
-    const std::string_view extension = std::string_view(parFilePath).substr(parFilePath.size() - 4);
-    if (extension != ".PAR" && extension != ".par") {
+    if (!isParameterFile(parFile.path)) {
         dialogs.error("You must select a .PAR file.");
         return false;
     }
@@ -117,7 +104,7 @@ RunOutcome SynthesizeScreen::viewDetails(Dialogs& dialogs) {
     return guardedRun(
         dialogs,
         [&] {
-            const series::ParameterFile header = series::readParameterHeader(parFilePath);
+            const series::ParameterFile header = series::readParameterHeader(parFile.path);
             showHeader(header, false);
             fStartText.reset(header.fitStart);
             fLengthText.reset(std::to_string(header.fitDays));
@@ -132,13 +119,12 @@ bool SynthesizeScreen::checkEnsembleSize(Dialogs& dialogs) {
         eSize.reset(std::string(DefaultEnsemble));
         return false;
     }
-    const double size = core::leadingNumber(eSize.text);
-    if (size > weathergen::MaxEnsembleSize || size < 1) {
+    if (!core::numberIn(eSize.text, 1, weathergen::MaxEnsembleSize)) {
         dialogs.error("Ensemble Size must be between 1 and 100.");
         eSize.reset(std::string(DefaultEnsemble));
         return false;
     }
-    eSize.reset(std::to_string(core::roundHalfEven(size)));
+    eSize.reset(std::to_string(core::roundedInteger(eSize.text)));
     return true;
 }
 
@@ -184,23 +170,23 @@ bool SynthesizeScreen::checkFitLength(Dialogs& dialogs) {
         return false;
     }
     // A run of no days would leave a description of nothing; refused like a bad number.
-    if (core::roundHalfEven(length) < 1) {
+    if (core::roundedInteger(fLengthText.text) < 1) {
         dialogs.error("Fit length must be at least one day.");
         fLengthText.reset(std::string(DefaultLength));
         return false;
     }
-    fLengthText.reset(std::to_string(core::roundHalfEven(length)));
+    fLengthText.reset(std::to_string(core::roundedInteger(fLengthText.text)));
     return true;
 }
 
 bool SynthesizeScreen::checkOutputFile(Dialogs& dialogs) {
-    if (outFilePath.empty()) {
+    if (!outFile.chosen()) {
         dialogs.error("You must select a suitable output file to save to.");
         return false;
     }
     // The description file takes the output's name with its last three characters
     // replaced by SIM; an output named so would be overwritten by it.
-    if (series::simPathFor(outFilePath) == outFilePath) {
+    if (series::simPathFor(outFile.path) == outFile.path) {
         dialogs.error("The output file's name must not end in SIM: the description file "
                       "beside it takes that name.");
         return false;
@@ -215,9 +201,9 @@ RunOutcome SynthesizeScreen::synthesize(Dialogs& dialogs, core::Progress& progre
     }
     outputStarted = false;
     weathergen::SynthesisRequest request;
-    request.parameterPath = parFilePath;
+    request.parameterPath = parFile.path;
     request.predictorFolder = predictorFolder;
-    request.outPath = outFilePath;
+    request.outPath = outFile.path;
     request.start = *core::parseDate(fStartText.text);
     request.days = static_cast<long>(core::leadingNumber(fLengthText.text));
     request.ensembleSize = static_cast<int>(core::leadingNumber(eSize.text));

@@ -11,6 +11,7 @@
 #include "core/program_state.hpp"
 #include "core/progress.hpp"
 #include "screens/dialogs.hpp"
+#include "screens/file_choice.hpp"
 #include "screens/screen_run.hpp"
 #include "screens/text_field.hpp"
 
@@ -26,9 +27,6 @@ namespace varo::screens {
 
 class SynthesizeScreen {
 public:
-    static constexpr std::string_view ParFilter = "PAR Files (*.PAR)|*.PAR|All Files (*.*)|*.*";
-    static constexpr std::string_view OutFilter = "OUT Files (*.OUT)|*.OUT|All Files (*.*)|*.*";
-    static constexpr std::string_view NotSelected = "Not selected";
     static constexpr std::string_view Unknown = "unknown";
     static constexpr std::string_view UnknownLabel = "Unknown";
     static constexpr std::string_view DefaultLength = "365";
@@ -36,10 +34,8 @@ public:
 
     explicit SynthesizeScreen(core::ProgramState& state);
 
-    std::string parFileText{NotSelected};
-    std::string parFilePath;
-    std::string outFileText{NotSelected};
-    std::string outFilePath;
+    ChosenFile parFile; // ParFileText
+    ChosenFile outFile; // OutFileText
     std::string noOfPredText{"0"};
     std::string rStartText{Unknown};
     std::string rLengthText{Unknown};
@@ -54,8 +50,6 @@ public:
     // that leaves them incomplete.
     bool outputStarted = false;
 
-    void chooseParFile(const std::string& path);
-    void chooseOutFile(const std::string& path);
     void setPredictorFolder(const std::string& folder);
     void pickParFile(Dialogs& dialogs);
     void pickOutFile(Dialogs& dialogs);

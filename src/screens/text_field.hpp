@@ -2,6 +2,7 @@
 // A refused entry shows its message and puts the last good value back.
 #pragma once
 
+#include "core/numeric_text.hpp"
 #include "screens/dialogs.hpp"
 
 #include <functional>
@@ -12,6 +13,15 @@ namespace varo::screens {
 
 // A field check answers the message it failed with, or nothing when the text passes.
 using FieldCheck = std::function<std::optional<std::string>(const std::string& text)>;
+
+// The check of a numeric field (`core::rangeRefusal`): `notNumber` for text that is no
+// number, `outside` for a number outside the range.
+inline FieldCheck rangeCheck(double low, double high, std::string notNumber, std::string outside,
+                             core::RangeEnds ends = core::RangeEnds::Included) {
+    return [=](const std::string& text) {
+        return core::rangeRefusal(text, low, high, notNumber, outside, ends);
+    };
+}
 
 struct TextField {
     std::string text;

@@ -10,25 +10,6 @@ namespace {
 
 using Message = std::optional<std::string>;
 
-// The check of a numeric field: one message when the text is no number, another when the
-// value lies outside low to high (the limits pass).
-FieldCheck rangeCheck(std::string notNumber, std::string outOfRange, double low, double high) {
-    return [=](const std::string& text) -> Message {
-        if (!core::isNumeric(text)) {
-            return notNumber;
-        }
-        const double value = core::leadingNumber(text);
-        if (value < low || value > high) {
-            return outOfRange;
-        }
-        return std::nullopt;
-    };
-}
-
-int roundedField(const TextField& field) {
-    return static_cast<int>(core::roundHalfEven(core::leadingNumber(field.text)));
-}
-
 } // namespace
 
 TransformScreen::TransformScreen(core::ProgramState& state) : state_(state) {
@@ -41,10 +22,8 @@ std::string TransformScreen::wrapCaption() const {
 }
 
 void TransformScreen::reset() {
-    selectFileText = NotSelected;
-    inputPath.clear();
-    saveFileText = NotEntered;
-    outputPath.clear();
+    input.clear();
+    output.clear(NotEntered);
     colsText.reset("1");
     columns = 1;
     option = dataprep::transform::NaturalLog;
@@ -66,7 +45,7 @@ void TransformScreen::reset() {
 
 bool TransformScreen::checkLamda(Dialogs& dialogs) {
     const std::string message = "Lamda value must be a value between -2 and +2.";
-    if (!lamdaValText.check(dialogs, rangeCheck(message, message, -2.0, 2.0))) {
+    if (!lamdaValText.check(dialogs, rangeCheck(-2.0, 2.0, message, message))) {
         return false;
     }
     lamda = core::leadingNumber(lamdaValText.text);
@@ -74,9 +53,9 @@ bool TransformScreen::checkLamda(Dialogs& dialogs) {
 }
 
 bool TransformScreen::checkShift(Dialogs& dialogs) {
-    if (!leftShiftText.check(dialogs, rangeCheck("Shift value must be a value between 0 and 100",
-                                                 "Shift value must be a value between 0 and 100.",
-                                                 0.0, 100.0))) {
+    if (!leftShiftText.check(dialogs,
+                             rangeCheck(0.0, 100.0, "Shift value must be a value between 0 and 100",
+                                        "Shift value must be a value between 0 and 100."))) {
         return false;
     }
     shift = core::leadingNumber(leftShiftText.text);
@@ -97,15 +76,15 @@ bool TransformScreen::checkBinomial(Dialogs& dialogs) {
 }
 
 bool TransformScreen::checkColumns(Dialogs& dialogs) {
-    const FieldCheck inRange = rangeCheck("Number of columns must be a positive integer.",
-                                          "Number of columns must be a value between 1 and 100.",
-                                          1.0, dataprep::MaxColumns);
+    const FieldCheck inRange =
+        rangeCheck(1.0, dataprep::MaxColumns, "Number of columns must be a positive integer.",
+                   "Number of columns must be a value between 1 and 100.");
     bool belowEnsemble = false;
     const bool ok = colsText.check(dialogs, [&](const std::string& text) -> Message {
         if (auto message = inRange(text)) {
             return message;
         }
-        if (core::roundHalfEven(core::leadingNumber(text)) < ensemble) {
+        if (core::roundedInteger(text) < ensemble) {
             belowEnsemble = true;
             return "Input data must include an ensemble to extract if required.";
         }
@@ -116,59 +95,49 @@ bool TransformScreen::checkColumns(Dialogs& dialogs) {
         ensemble = 1;
     }
     if (ok) {
-        columns = roundedField(colsText);
+        columns = core::roundedInteger(colsText.text);
     }
     return ok;
 }
 
 bool TransformScreen::checkEnsemble(Dialogs& dialogs) {
-    const FieldCheck inRange = rangeCheck("Ensemble to extract must be a positive integer.",
-                                          "Ensemble to extract must be a value between 1 and 100.",
-                                          1.0, dataprep::MaxColumns);
+    const FieldCheck inRange =
+        rangeCheck(1.0, dataprep::MaxColumns, "Ensemble to extract must be a positive integer.",
+                   "Ensemble to extract must be a value between 1 and 100.");
     const bool ok = ensembleExtractText.check(dialogs, [&](const std::string& text) -> Message {
         if (auto message = inRange(text)) {
             return message;
         }
-        if (core::roundHalfEven(core::leadingNumber(text)) > columns) {
+        if (core::roundedInteger(text) > columns) {
             return "Ensemble to extract must be within range of input data.";
         }
         return std::nullopt;
     });
     if (ok) {
-        ensemble = roundedField(ensembleExtractText);
+        ensemble = core::roundedInteger(ensembleExtractText.text);
     }
     return ok;
 }
 
 bool TransformScreen::checkLag(Dialogs& dialogs) {
-    if (!lagText.check(dialogs, rangeCheck("Lag value must be an integer (positive or negative).",
-                                           "Lag value must be a value between -1000 and +1000.",
-                                           -1000.0, 1000.0))) {
+    if (!lagText.check(dialogs, rangeCheck(-1000.0, 1000.0,
+                                           "Lag value must be an integer (positive or negative).",
+                                           "Lag value must be a value between -1000 and +1000."))) {
         return false;
     }
-    lag = roundedField(lagText);
+    lag = core::roundedInteger(lagText.text);
     return true;
 }
 
-void TransformScreen::chooseInput(const std::string& path) {
-    inputPath = path;
-    selectFileText = core::bareFileName(path);
-}
-
-void TransformScreen::chooseOutput(const std::string& path) {
-    outputPath = path;
-    saveFileText = core::bareFileName(path);
-}
-
 void TransformScreen::pickInput(Dialogs& dialogs) {
-    if (const auto path = dialogs.pickOpenFile(FileFilter, state_.defaultDir)) {
-        chooseInput(*path);
+    if (const auto path = dialogs.pickOpenFile(filter::Data, state_.defaultDir)) {
+        input.choose(*path);
     }
 }
 
 void TransformScreen::pickOutput(Dialogs& dialogs) {
-    if (const auto path = dialogs.pickSaveFile(FileFilter, state_.defaultDir, "DAT")) {
-        chooseOutput(*path);
+    if (const auto path = dialogs.pickSaveFile(filter::Data, state_.defaultDir, "DAT")) {
+        output.choose(*path);
     }
 }
 
@@ -176,11 +145,11 @@ void TransformScreen::pickOutput(Dialogs& dialogs) {
 // option, but stop the run only when their option is chosen.
 RunOutcome TransformScreen::runChecks(Dialogs& dialogs) {
     namespace code = dataprep::transform;
-    if (inputPath.empty()) {
+    if (!input.chosen()) {
         dialogs.error("You must select a file to transform.");
         return RunOutcome::Refused;
     }
-    if (outputPath.empty()) {
+    if (!output.chosen()) {
         dialogs.error("You must select a file to save the transformation to.");
         return RunOutcome::Refused;
     }
@@ -212,16 +181,16 @@ RunOutcome TransformScreen::runChecks(Dialogs& dialogs) {
 
 // The output, and the description file's copy, must not be a file the run reads.
 std::optional<std::string> TransformScreen::outputOverInput() const {
-    std::vector<std::string> inputs{inputPath};
+    std::vector<std::string> inputs{input.path};
     if (simCheck) {
-        inputs.push_back(dataprep::descriptionCopySource(inputPath));
+        inputs.push_back(dataprep::descriptionCopySource(input.path));
     }
-    if (auto refusal = screens::outputOverInput(state_, {outputPath}, inputs)) {
+    if (auto refusal = screens::outputOverInput(state_, {output.path}, inputs)) {
         return refusal;
     }
     if (simCheck) {
         return screens::outputOverInput(
-            state_, {dataprep::descriptionCopyTarget(inputPath, outputPath)}, {inputPath});
+            state_, {dataprep::descriptionCopyTarget(input.path, output.path)}, {input.path});
     }
     return std::nullopt;
 }
@@ -230,23 +199,23 @@ TransformScreen::Report TransformScreen::runOperation(core::Progress& progress) 
     namespace code = dataprep::transform;
     Report report;
     // Everything that can refuse the run does so before the first file is written.
-    core::refuseFolder(outputPath);
+    core::refuseFolder(output.path);
     const bool boxCox = option == code::BoxCox || option == code::UnBoxCox;
-    dataprep::checkTransformInput(inputPath, boxCox ? 1 : columns, progress);
+    dataprep::checkTransformInput(input.path, boxCox ? 1 : columns, progress);
     if (simCheck) {
-        report.copiedSimFile = dataprep::copyDescriptionFile(inputPath, outputPath);
+        report.copiedSimFile = dataprep::copyDescriptionFile(input.path, output.path);
     }
     const double missingCode = state_.globalMissingCode;
     if (option == code::BoxCox) {
         const auto result =
-            dataprep::boxCoxFile(inputPath, outputPath, columns, missingCode, progress);
+            dataprep::boxCoxFile(input.path, output.path, columns, missingCode, progress);
         report.counts = result.counts;
         report.lamda = result.lamda;
         report.shift = result.shift;
         report.text = dataprep::boxCoxReportText(result, missingCode);
     } else if (option == code::UnBoxCox) {
         outputStarted = true;
-        report.counts = dataprep::unBoxCoxFile(inputPath, outputPath, columns, lamda, shift,
+        report.counts = dataprep::unBoxCoxFile(input.path, output.path, columns, lamda, shift,
                                                missingCode, progress);
         report.text = dataprep::unBoxCoxReportText(report.counts, missingCode);
     } else {
@@ -260,7 +229,7 @@ TransformScreen::Report TransformScreen::runOperation(core::Progress& progress) 
         settings.extractColumn = ensemble;
         settings.missingCode = missingCode;
         outputStarted = true;
-        report.counts = dataprep::transformFile(inputPath, outputPath, settings, progress);
+        report.counts = dataprep::transformFile(input.path, output.path, settings, progress);
         report.text =
             dataprep::transformReportText(report.counts, extractEnsembleCheck, missingCode);
     }

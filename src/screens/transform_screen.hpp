@@ -8,6 +8,7 @@
 #include "dataprep/box_cox.hpp"
 #include "dataprep/transform.hpp"
 #include "screens/dialogs.hpp"
+#include "screens/file_choice.hpp"
 #include "screens/screen_run.hpp"
 #include "screens/text_field.hpp"
 
@@ -18,19 +19,14 @@ namespace varo::screens {
 
 class TransformScreen {
 public:
-    static constexpr std::string_view FileFilter =
-        "All Files (*.*)|*.*|DAT Files (*.DAT)|*.DAT|TXT Files (*.TXT)|*.TXT";
-    static constexpr std::string_view NotSelected = "Not selected";
     static constexpr std::string_view NotEntered = "Not entered";
     static constexpr std::string_view CompleteTitle = "Transformation complete";
 
     explicit TransformScreen(core::ProgramState& state);
 
     // Inputs as the screen shows them.
-    std::string selectFileText{NotSelected};
-    std::string inputPath;
-    std::string saveFileText{NotEntered};
-    std::string outputPath;
+    ChosenFile input;              // SelectFileText
+    ChosenFile output{NotEntered}; // SaveFileText
     TextField colsText{"1"};
     int option = dataprep::transform::NaturalLog; // Option1, codes 1 to 17
     TextField lagText{"0"};
@@ -76,8 +72,6 @@ public:
     bool checkEnsemble(Dialogs& dialogs);
     bool checkLag(Dialogs& dialogs);
 
-    void chooseInput(const std::string& path);
-    void chooseOutput(const std::string& path);
     // The file pickers, opening on the default folder.
     void pickInput(Dialogs& dialogs);
     void pickOutput(Dialogs& dialogs);

@@ -24,15 +24,27 @@
 // by "####0.000" each followed by a comma; then a blank line, "Degrees of Freedom for T
 // Test", the same header and the degrees of freedom by "######" (rounded to a whole
 // number, nothing written for 0) each followed by a comma.
+//
+// The run's results are first made into results tables (`resultTables`), which the file,
+// the desktop's tabs, the printed tables and JSON all show.
 #pragma once
 
+#include "core/results_table.hpp"
 #include "statistics/analysis_run.hpp"
 
 #include <array>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace varo::statistics {
+
+// How the file writes a value, and a degree of freedom.
+inline constexpr std::string_view ValuePattern = "####0.000";
+inline constexpr std::string_view DegreesPattern = "######";
+// A t value above this is picked out in its table.
+inline constexpr double TTestCritical = 1.96;
 
 struct ReportLabels {
     std::string fileName; // as shown after "SUMMARY STATISTICS FOR: "
@@ -47,7 +59,28 @@ struct ReportLabels {
     std::array<std::string, 3> periodEnd;
 };
 
-std::string resultsText(const ReportLabels& labels, const AnalysisResults& results);
+// The tables of a run, each row a calendar row by its name, missing cells where a value is
+// the missing value code (shown as the code, as the file writes it).
+struct ResultsTables {
+    core::ResultsTable statistics;                // the selected statistics
+    std::optional<core::ResultsTable> deviations; // with the ensemble mean
+    struct Delta {
+        std::array<core::ResultsTable, 3> periods; // the changes of Periods A, B and C
+        core::ResultsTable tTest;                  // of the mean; values above 1.96 picked out
+        core::ResultsTable degrees;                // its degrees of freedom
+    };
+    std::optional<Delta> delta;
+
+    // The tables in the file's order under the short names a tab shows: "Statistics",
+    // "Standard deviations", "Period A", "Period B", "Period C", "T test", "Degrees of
+    // freedom".
+    std::vector<core::NamedTable> named() const;
+};
+
+ResultsTables resultTables(const ReportLabels& labels, const AnalysisResults& results,
+                           double missingCode);
+
+std::string resultsText(const ReportLabels& labels, const ResultsTables& tables);
 
 // Writes the text to the path. A write that fails removes what it had written, so that no
 // half-written results file is left looking complete; failures are core::Failure.

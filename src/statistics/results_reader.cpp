@@ -1,4 +1,5 @@
 #include "statistics/results_reader.hpp"
+#include "statistics/results_file.hpp"
 
 #include "core/failure.hpp"
 #include "core/number_format.hpp"
@@ -47,49 +48,43 @@ std::string where(const std::string& path, size_t lineIndex) {
     return "Results file '" + path + "', line " + std::to_string(lineIndex + 1);
 }
 
-void readRow(ResultsFileTable& table, const std::string& line, size_t lineIndex,
-             const std::string& missingText) {
+void readRow(core::ResultsTable& table, const std::string& path, const std::string& line,
+             size_t lineIndex) {
     std::vector<std::string> fields = fieldsOf(line);
-    if (fields.size() > table.statistics.size() + 1 && fields.back().empty()) {
+    const size_t statistics = table.columns.size();
+    if (fields.size() > statistics + 1 && fields.back().empty()) {
         fields.pop_back(); // the comma that closes every value
     }
-    if (fields.size() < table.statistics.size() + 1) {
+    if (fields.size() < statistics + 1) {
         throw core::Failure(core::failure::TypeMismatch,
-                            where(table.path, lineIndex) + ": the row '" + fields.front() +
-                                "' has " + std::to_string(fields.size() - 1) +
-                                " value(s) where the heading names " +
-                                std::to_string(table.statistics.size()) + " statistic(s).");
+                            where(path, lineIndex) + ": the row '" + fields.front() + "' has " +
+                                std::to_string(fields.size() - 1) +
+                                " value(s) where the heading names " + std::to_string(statistics) +
+                                " statistic(s).");
     }
-    table.rowNames.push_back(fields.front());
-    for (size_t s = 0; s < table.statistics.size(); ++s) {
+    core::ResultsTable::Row& row = table.rows.emplace_back();
+    row.label = fields.front();
+    for (size_t s = 0; s < statistics; ++s) {
         const std::string& text = fields[s + 1];
         if (!core::isNumeric(text)) {
-            throw core::Failure(core::failure::TypeMismatch,
-                                where(table.path, lineIndex) + ": '" + text + "' under '" +
-                                    table.statistics[s] + "' is not a number.");
+            throw core::Failure(core::failure::TypeMismatch, where(path, lineIndex) + ": '" + text +
+                                                                 "' under '" + table.columns[s] +
+                                                                 "' is not a number.");
         }
-        const bool missing =
-            core::formatPattern(core::leadingNumber(text), "####0.000") == missingText;
-        table.values[s].push_back(missing ? std::nullopt
-                                          : std::optional<double>(core::leadingNumber(text)));
+        const double value = core::leadingNumber(text);
+        const bool missing = core::formatPattern(value, ValuePattern) == table.missingText;
+        row.cells.push_back({missing ? std::nullopt : std::optional<double>(value), false});
     }
 }
 
 } // namespace
 
-std::optional<size_t> ResultsFileTable::statisticIndex(const std::string& name) const {
-    for (size_t s = 0; s < statistics.size(); ++s) {
-        if (statistics[s] == name) {
-            return s;
-        }
-    }
-    return std::nullopt;
-}
-
-ResultsFileTable readResultsTable(const std::string& path, double missingCode) {
+core::ResultsTable readResultsTable(const std::string& path, double missingCode) {
     const std::vector<std::string> lines = linesOf(path);
-    ResultsFileTable table;
-    table.path = path;
+    core::ResultsTable table;
+    table.numberPattern = std::string(ValuePattern);
+    // Values are written by the pattern: one that reads as the code written so is missing.
+    table.missingText = core::formatPattern(missingCode, ValuePattern);
     size_t heading = 0;
     while (heading < lines.size() && !isHeading(lines[heading])) {
         ++heading;
@@ -99,16 +94,13 @@ ResultsFileTable readResultsTable(const std::string& path, double missingCode) {
     }
     std::vector<std::string> names = fieldsOf(lines[heading]);
     table.rowHeading = names.front();
-    table.statistics.assign(names.begin() + 1, names.end());
-    while (!table.statistics.empty() && table.statistics.back().empty()) {
-        table.statistics.pop_back();
+    table.columns.assign(names.begin() + 1, names.end());
+    while (!table.columns.empty() && table.columns.back().empty()) {
+        table.columns.pop_back();
     }
-    if (table.statistics.empty()) {
+    if (table.columns.empty()) {
         return table;
     }
-    table.values.resize(table.statistics.size());
-    // Values are written by "####0.000": one that reads as the code written so is missing.
-    const std::string missingText = core::formatPattern(missingCode, "####0.000");
     for (int row = 1; row <= ComparedRowCount; ++row) {
         const size_t index = heading + static_cast<size_t>(row);
         if (index >= lines.size() || core::trimBlanks(lines[index]).empty()) {
@@ -122,7 +114,7 @@ ResultsFileTable readResultsTable(const std::string& path, double missingCode) {
                                     std::to_string(row - 1) + " of its " +
                                     std::to_string(ComparedRowCount) + " rows.");
         }
-        readRow(table, lines[index], index, missingText);
+        readRow(table, path, lines[index], index);
     }
     return table;
 }

@@ -27,12 +27,19 @@ CalibrationResults results() {
     return r;
 }
 
-std::vector<std::string> cells(const ReportTable& table, size_t row) {
-    std::vector<std::string> texts;
-    for (const ReportCell& cell : table.rows[row]) {
-        texts.push_back(cell.text);
+// A row as the report shows it: its label, then each cell's text.
+std::vector<std::string> cells(const varo::core::ResultsTable& table, size_t row) {
+    std::vector<std::string> texts{table.rows[row].label};
+    for (const auto& cell : table.rows[row].cells) {
+        texts.push_back(table.cellText(cell));
     }
     return texts;
+}
+
+std::vector<std::string> headings(const varo::core::ResultsTable& table) {
+    std::vector<std::string> all{table.rowHeading};
+    all.insert(all.end(), table.columns.begin(), table.columns.end());
+    return all;
 }
 
 } // namespace
@@ -57,9 +64,9 @@ TEST(CalibrationReport, UnconditionalTableWithMeanAndMissingMonths) {
               (std::vector<std::string>{"Predictand: rain.dat", "Predictors: mslp.dat",
                                         "            shum.dat"}));
     ASSERT_EQ(report.tables.size(), 1u);
-    const ReportTable& table = report.tables[0];
+    const varo::core::ResultsTable& table = report.tables[0];
     EXPECT_EQ(table.title, "Unconditional Statistics");
-    EXPECT_EQ(table.headings, (std::vector<std::string>{"Month", "RSquared", "SE", "D-Watson"}));
+    EXPECT_EQ(headings(table), (std::vector<std::string>{"Month", "RSquared", "SE", "D-Watson"}));
     ASSERT_EQ(table.rows.size(), 13u);
     EXPECT_EQ(cells(table, 0),
               (std::vector<std::string>{"January", " 0.2500", " 1.5000", " 2.0000"}));
@@ -80,16 +87,16 @@ TEST(CalibrationReport, ConditionalTablesAndTheChowColumn) {
     const CalibrationReport report = buildReport(s, results(), options);
     EXPECT_EQ(report.headingLines.back(), "Autoregression");
     ASSERT_EQ(report.tables.size(), 2u);
-    EXPECT_EQ(report.tables[0].headings,
+    EXPECT_EQ(headings(report.tables[0]),
               (std::vector<std::string>{"Month", "RSquared", "SE", "Prop Correct", "Chow"}));
-    EXPECT_TRUE(report.tables[0].rows[5][4].aboveCritical);
-    EXPECT_FALSE(report.tables[0].rows[4][4].aboveCritical);
-    const ReportTable& amounts = report.tables[1];
+    EXPECT_TRUE(report.tables[0].rows[5].cells[3].highlighted);
+    EXPECT_FALSE(report.tables[0].rows[4].cells[3].highlighted);
+    const varo::core::ResultsTable& amounts = report.tables[1];
     EXPECT_EQ(amounts.title, "Conditional Statistics");
-    EXPECT_EQ(amounts.headings, (std::vector<std::string>{"Month", "RSquared", "SE", "Chow"}));
+    EXPECT_EQ(headings(amounts), (std::vector<std::string>{"Month", "RSquared", "SE", "Chow"}));
     EXPECT_EQ(cells(amounts, 2),
               (std::vector<std::string>{"March", "N/A     ", " 0.5000", "N/A     "}));
-    EXPECT_FALSE(amounts.rows[5][3].aboveCritical); // 3.20 below 3.34 for 40 days
+    EXPECT_FALSE(amounts.rows[5].cells[2].highlighted); // 3.20 below 3.34 for 40 days
     EXPECT_TRUE(report.anyAboveCritical);
 
     const std::string text = reportText(report);
@@ -116,15 +123,16 @@ TEST(CalibrationReport, CrossValidationColumnsSitRightOfTheFitAndMayBeAllMissing
     ReportOptions options;
     options.crossValidation = cv;
     const CalibrationReport report = buildReport(s, results(), options);
-    const ReportTable& table = report.tables[0];
-    EXPECT_EQ(table.crossValidationTitle, "Cross Validation Results");
-    EXPECT_EQ(table.crossValidationColumn, 4u);
-    EXPECT_EQ(table.headings,
+    const varo::core::ResultsTable& table = report.tables[0];
+    ASSERT_EQ(table.columnGroups.size(), 1u);
+    EXPECT_EQ(table.columnGroups[0].title, "Cross Validation Results");
+    EXPECT_EQ(table.columnGroups[0].firstColumn, 3u);
+    EXPECT_EQ(headings(table),
               (std::vector<std::string>{"Month", "RSquared", "SE", "D-Watson", "RSquared", "SE",
                                         "D-Watson", "Spearman", "Bias"}));
     for (size_t row = 0; row < 13; ++row) {
-        EXPECT_EQ(table.rows[row][4].text, " 0.4000");
-        EXPECT_EQ(table.rows[row][5].text, "N/A    ") << row; // the mean too
+        EXPECT_EQ(cells(table, row)[4], " 0.4000");
+        EXPECT_EQ(cells(table, row)[5], "N/A    ") << row; // the mean too
     }
     EXPECT_NE(reportText(report).find("\nUnconditional Statistics" + std::string(32, ' ') +
                                       "Cross Validation Results\n"),

@@ -106,17 +106,23 @@ TEST(DayCube, AReturnToAGroupOpensASection) {
     EXPECT_EQ(cube.value(1, 59, 0), 335.0f); // 1 December
 }
 
-TEST(DayCube, ReadingSkipsToTheFitStartAndStopsOnRequest) {
+// One report a day of the fit period and of the skip, and the first.
+constexpr long ThreeMonthReports = 1 + 1 + 31 + 90;
+
+TEST(DayCube, ReadingSkipsToTheFitStartUnderItsCaption) {
     ThreeMonths files;
     files.data.modelType = ModelType::Monthly;
     CountingProgress progress;
     readDayCube(files.state, files.data, progress);
     EXPECT_EQ(progress.captions, (std::vector<std::string>{
                                      "Reading Data", "Skipping Unnecessary Data", "Reading Data"}));
-    // One report a day of the fit period and of the skip, and the first.
-    const long reports = progress.reports;
-    EXPECT_EQ(reports, 1 + 1 + 31 + 90);
-    CountingProgress stopping(reports - 5);
+    EXPECT_EQ(progress.reports, ThreeMonthReports);
+}
+
+TEST(DayCube, AStopRequestEndsTheReading) {
+    ThreeMonths files;
+    files.data.modelType = ModelType::Monthly;
+    CountingProgress stopping(ThreeMonthReports - 5);
     EXPECT_THROW(readDayCube(files.state, files.data, stopping), varo::core::Cancelled);
 }
 

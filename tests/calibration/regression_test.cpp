@@ -93,7 +93,7 @@ TEST(FitModel, LeastSquaresAndTheSimplexMatchAnIndependentComputation) {
     }
 }
 
-TEST(FitModel, PerfectFitFloorsTheResidualSumOfSquaresAndNoRowsDivideByZero) {
+TEST(FitModel, PerfectFitFloorsTheResidualSumOfSquares) {
     for (FitMethod method : {FitMethod::LeastSquares, FitMethod::LeastAbsoluteDeviations}) {
         MatrixObject x(12, 2);
         MatrixObject y(12, 1);
@@ -112,6 +112,9 @@ TEST(FitModel, PerfectFitFloorsTheResidualSumOfSquaresAndNoRowsDivideByZero) {
         EXPECT_GT(score.standardError, 0.0);
         EXPECT_TRUE(pairs.empty()); // pairs are kept only when asked
     }
+}
+
+TEST(FitModel, NoRowsDivideByZero) {
     Fixture f;
     EXPECT_TRUE(varo::testing::failsWith(
         [&] {
@@ -168,7 +171,9 @@ TEST(Chow, RunsFromTwentyTwoRowsWithHalvesRoundedToEven) {
     EXPECT_EQ(chowStatistic(5.0, 0.0, 0.0, 40, 2), 0.0); // halves fitted exactly
 }
 
-TEST(FitAndScore, KeepsResidualPairsAndScoresOccurrence) {
+// Pairs are appended after what was there; a fit that is not of occurrence, or without the
+// Chow test, leaves those scores missing.
+TEST(FitAndScore, KeepsResidualPairsWhenAsked) {
     auto d = wavyDesign(30);
     Fixture f;
     std::vector<ResidualPair> pairs{{1.0, 2.0}};

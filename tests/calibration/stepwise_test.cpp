@@ -31,41 +31,59 @@ TEST(Stepwise, CriterionIsTheLargestWithTheRegressionSumInsideTheLogarithm) {
     EXPECT_TRUE(std::isnan(stepwiseCriterion(-1.0, 100, 3, true)));
 }
 
-TEST(Stepwise, TiesGoToTheFirstFailedSubsetsCannotWinAndAStopIsSeen) {
-    // Columns 1 and 2 are the same: the singles tie and the first stays, and the pair,
-    // singular, cannot win.
-    const int n = 40;
-    MatrixObject x(n, 3);
-    MatrixObject y(n, 1);
-    for (int r = 0; r < n; ++r) {
-        const double v = std::sin(r * 0.9);
-        x.setValue(r, 0, 1.0);
-        x.setValue(r, 1, v);
-        x.setValue(r, 2, v);
-        y.setValue(r, 0, 1.0 + 2.0 * v + 0.1 * std::cos(r * 3.1));
-    }
-    varo::testing::CountingProgress progress;
+namespace {
+
+// Columns 1 and 2 are the same predictor; the response follows it.
+struct TwinPredictors {
+    static constexpr int Rows = 40;
+    MatrixObject x{Rows, 3};
+    MatrixObject y{Rows, 1};
     varo::core::SilentNotifier notifier;
-    FitEnvironment environment{progress, notifier};
+    TwinPredictors() {
+        for (int r = 0; r < Rows; ++r) {
+            const double v = std::sin(r * 0.9);
+            x.setValue(r, 0, 1.0);
+            x.setValue(r, 1, v);
+            x.setValue(r, 2, v);
+            y.setValue(r, 0, 1.0 + 2.0 * v + 0.1 * std::cos(r * 3.1));
+        }
+    }
+};
+
+} // namespace
+
+// The singles tie and the first stays; the pair, singular, cannot win.
+TEST(Stepwise, TiesGoToTheFirstAndFailedSubsetsCannotWin) {
+    TwinPredictors twins;
+    varo::testing::CountingProgress progress;
+    FitEnvironment environment{progress, twins.notifier};
     const StepwiseSelection selection =
-        selectPredictors(x, y, FitMethod::LeastSquares, true, environment);
+        selectPredictors(twins.x, twins.y, FitMethod::LeastSquares, true, environment);
     EXPECT_EQ(selection.positions, std::vector<int>{1});
     EXPECT_EQ(selection.subsetsTried, 3);
     EXPECT_EQ(progress.captions, std::vector<std::string>{"Calibrating Stepwise Models"});
     EXPECT_EQ(progress.lastCurrent, 100);
+}
 
-    // A constant response explains nothing: no subset can be judged.
-    MatrixObject flat(n, 1);
+// A constant response explains nothing: no subset can be judged.
+TEST(Stepwise, AResponseWithoutSpreadStopsWithItsMessage) {
+    TwinPredictors twins;
+    varo::testing::CountingProgress progress;
+    FitEnvironment environment{progress, twins.notifier};
+    MatrixObject flat(TwinPredictors::Rows, 1);
     flat.cells().setConstant(2.0);
-    EXPECT_EQ(varo::testing::stopMessage(
-                  [&] { selectPredictors(x, flat, FitMethod::LeastSquares, true, environment); }),
+    EXPECT_EQ(varo::testing::stopMessage([&] {
+                  selectPredictors(twins.x, flat, FitMethod::LeastSquares, true, environment);
+              }),
               "Unable  to determine an optimum set of predictors from those selected. Please try "
               "an alternative");
+}
 
-    // A stop is seen between subsets.
+TEST(Stepwise, AStopIsSeenBetweenSubsets) {
+    TwinPredictors twins;
     varo::testing::CountingProgress stopping(2);
-    FitEnvironment stopped{stopping, notifier};
-    EXPECT_THROW(selectPredictors(x, y, FitMethod::LeastSquares, true, stopped),
+    FitEnvironment stopped{stopping, twins.notifier};
+    EXPECT_THROW(selectPredictors(twins.x, twins.y, FitMethod::LeastSquares, true, stopped),
                  varo::core::Cancelled);
     EXPECT_EQ(stopping.reports, 2);
 }

@@ -87,10 +87,3 @@ TEST(ChartFieldChecks, YMinimumMustLieBelowTheMaximumWhenBothAreGiven) {
     EXPECT_EQ(checkYMinBelowYMax(3.0, 3.0), "Y axis minimum must be less than Y axis maximum.");
     EXPECT_EQ(checkYMinBelowYMax(-1.0, 3.0), std::nullopt);
 }
-
-TEST(ChartFieldChecks, IntegerFieldsRoundHalfToEven) {
-    EXPECT_EQ(fieldInteger("2.5"), 2);
-    EXPECT_EQ(fieldInteger("3.5"), 4);
-    EXPECT_EQ(fieldInteger(" 49.6"), 50);
-    EXPECT_DOUBLE_EQ(fieldNumber("12abc"), 12.0);
-}

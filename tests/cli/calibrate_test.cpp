@@ -49,38 +49,62 @@ TEST(CliCalibrate, WritesTheParameterFileAndPrintsTheReport) {
     EXPECT_FALSE(contains(run.out, "Chow"));
 }
 
-TEST(CliCalibrate, JsonCarriesBothStagesAndCrossValidationErrorsRunToTheEndButExitOne) {
+// The report's tables by month, each with its mean, and the coefficients of both stages by
+// season, the amounts' with the inverse normal transformation's mean ratio.
+TEST(CliCalibrate, JsonCarriesTheTablesOfBothStages) {
     TempDir dir;
-    const auto par = dir.path("COND.par");
-    const auto json = runVaro(
-        dir, calibrateArgs(par, {"--process", "conditional", "--chow", "--model", "seasonal"},
-                           {"--json"}));
+    const auto json =
+        runVaro(dir, calibrateArgs(dir.path("COND.par"),
+                                   {"--process", "conditional", "--chow", "--model", "seasonal"},
+                                   {"--json", "--set", "ModelTransformation=4"}));
     ASSERT_EQ(json.exitCode, 0) << json.err;
     const auto report = nlohmann::json::parse(json.out);
     EXPECT_EQ(report["process"], "conditional");
     EXPECT_EQ(report["predictors"], (nlohmann::json{"mslp.dat", "shum.dat"}));
-    ASSERT_EQ(report["months"].size(), 12u);
-    EXPECT_TRUE(report["months"][0].contains("propCorrect"));
-    EXPECT_EQ(report["months"][0]["rSquared"], report["months"][11]["rSquared"]); // one season
-    EXPECT_EQ(report["months"][0]["chowCritical"], 3.0); // two predictors, 100 days and more
-    ASSERT_EQ(report["amounts"].size(), 12u);
-    EXPECT_GT(report["amounts"][5]["rSquared"].get<double>(), 0.0);
+    const auto& months = report["months"];
+    EXPECT_EQ(months["title"], "Unconditional Statistics");
+    EXPECT_EQ(months["columns"], (nlohmann::json{"RSquared", "SE", "Prop Correct", "Chow"}));
+    ASSERT_EQ(months["rows"].size(), 13u);
+    EXPECT_EQ(months["rows"][12]["label"], "Mean");
+    EXPECT_EQ(months["rows"][0]["values"][0], months["rows"][11]["values"][0]); // one season
+    EXPECT_FALSE(months.contains("columnGroups"));
+    EXPECT_EQ(report["amounts"]["columns"], (nlohmann::json{"RSquared", "SE", "Chow"}));
+    EXPECT_GT(report["amounts"]["rows"][5]["values"][0].get<double>(), 0.0);
+    const auto& coefficients = report["coefficients"];
+    ASSERT_EQ(coefficients.size(), 2u);
+    EXPECT_EQ(coefficients[0]["title"], "Occurrence Model Coefficients");
+    EXPECT_EQ(coefficients[0]["rowHeading"], "Season");
+    EXPECT_EQ(coefficients[1]["title"], "Amount Model Coefficients");
+    EXPECT_EQ(coefficients[1]["columns"],
+              (nlohmann::json{"Constant", "mslp.dat", "shum.dat", "Mean Ratio"}));
+    ASSERT_EQ(coefficients[1]["rows"].size(), 4u);
+    EXPECT_EQ(coefficients[1]["rows"][2]["label"], "Summer");
+    EXPECT_FALSE(report.contains("stepwise"));
     EXPECT_TRUE(report["warnings"].empty());
-    EXPECT_FALSE(report.contains("crossValidation"));
+}
 
+// The run goes on to the end and writes its file; the error it showed makes the exit 1. The
+// metrics that could not be computed are null in the cross-validation columns.
+TEST(CliCalibrate, CrossValidationThatCannotBeComputedRunsToTheEndButExitsOne) {
+    TempDir dir;
+    const auto par = dir.path("COND.par");
     const auto folds = runVaro(dir, calibrateArgs(par,
                                                   {"--process", "conditional", "--cross-validation",
                                                    "10", "--end", "31/12/1961"},
                                                   {"--json"}));
-    // The run goes on to the end and writes its file; the error it showed makes the exit 1.
     ASSERT_EQ(folds.exitCode, 1) << folds.err;
     EXPECT_TRUE(varo::testing::fileExists(par));
     EXPECT_EQ(folds.err, "Error Message: Sorry - insufficient data for all cross validation "
                          "metrics to be calculated.\nParameter file written: " +
                              par + "\n");
     const auto validated = nlohmann::json::parse(folds.out);
-    EXPECT_TRUE(validated["crossValidation"][0]["propCorrect"].is_null());
-    EXPECT_TRUE(validated["amountCrossValidation"][0]["spearman"].is_null());
+    const auto& months = validated["months"];
+    EXPECT_EQ(months["columnGroups"],
+              (nlohmann::json::parse(R"([{"title":"Cross Validation Results","firstColumn":3}])")));
+    EXPECT_EQ(months["columns"][3], "Prop Correct");
+    EXPECT_TRUE(months["rows"][0]["values"][3].is_null());
+    EXPECT_EQ(validated["amounts"]["columns"][4], "Spearman");
+    EXPECT_TRUE(validated["amounts"]["rows"][0]["values"][4].is_null());
 }
 
 TEST(CliCalibrate, RefusalsExitTwoFailuresOneAndNeitherLeavesAFile) {
@@ -160,7 +184,7 @@ TEST(CliCalibrate, StepwiseWithTheLagTermWritesWhatTheSearchKept) {
     }
 }
 
-TEST(CliCalibrate, NamesTheFileItWroteAndPrintsTheCoefficientsAsTheFileHoldsThem) {
+TEST(CliCalibrate, NamesTheFileItWroteAndPrintsTheCoefficientsAsItHoldsThem) {
     TempDir dir;
     const auto par = dir.path("MODEL.PAR");
     const auto run = runVaro(dir, calibrateArgs(par, {"--model", "seasonal"}));
@@ -198,37 +222,17 @@ TEST(CliCalibrate, NamesTheFileItWroteAndPrintsTheCoefficientsAsTheFileHoldsThem
         printed >> label >> a >> b >> c;
         EXPECT_EQ(a + "  " + b + "  " + c, row) << season;
     }
+}
 
+// --quiet keeps the report but leaves out the coefficients and names no file.
+TEST(CliCalibrate, QuietPrintsNoCoefficients) {
+    TempDir dir;
+    const auto par = dir.path("MODEL.PAR");
     const auto quiet = runVaro(dir, calibrateArgs(par, {"--model", "seasonal"}, {"--quiet"}));
     ASSERT_EQ(quiet.exitCode, 0) << quiet.err;
     EXPECT_EQ(quiet.err, "");
+    EXPECT_TRUE(contains(quiet.out, "Unconditional Statistics"));
     EXPECT_FALSE(contains(quiet.out, "Model Coefficients"));
-
-    const auto json = runVaro(dir, calibrateArgs(par, {"--model", "seasonal"}, {"--json"}));
-    ASSERT_EQ(json.exitCode, 0) << json.err;
-    const auto report = nlohmann::json::parse(json.out);
-    ASSERT_EQ(report["coefficients"].size(), 1u);
-    const auto& table = report["coefficients"][0];
-    EXPECT_EQ(table["columns"], (nlohmann::json{"Constant", "mslp.dat", "shum.dat"}));
-    ASSERT_EQ(table["rows"].size(), 4u);
-    EXPECT_EQ(table["rows"][2]["label"], "Summer");
-    EXPECT_FALSE(report.contains("stepwise"));
-}
-
-TEST(CliCalibrate, ConditionalModelShowsBothStagesWithTheTransformationsParameters) {
-    TempDir dir;
-    const auto par = dir.path("COND.PAR");
-    const auto json = runVaro(dir, calibrateArgs(par, {"--process", "conditional"},
-                                                 {"--json", "--set", "ModelTransformation=4"}));
-    ASSERT_EQ(json.exitCode, 0) << json.err;
-    const auto tables = nlohmann::json::parse(json.out)["coefficients"];
-    ASSERT_EQ(tables.size(), 2u);
-    EXPECT_EQ(tables[0]["title"], "Occurrence Model Coefficients");
-    EXPECT_EQ(tables[1]["title"], "Amount Model Coefficients");
-    EXPECT_EQ(tables[1]["columns"],
-              (nlohmann::json{"Constant", "mslp.dat", "shum.dat", "Mean Ratio"}));
-    ASSERT_EQ(tables[1]["rows"].size(), 12u);
-    EXPECT_EQ(tables[1]["rows"][11]["label"], "December");
 }
 
 // The parameter file keeps the predictand's path absolute, so that a model calibrated with

@@ -15,7 +15,7 @@ std::vector<std::string> screenArgs(const std::string& analysis) {
 }
 } // namespace
 
-TEST(CliScreen, JsonCarriesTheNumbersAndTheReport) {
+TEST(CliScreen, CorrelationJsonCarriesItsTablesAndTheReport) {
     TempDir dir;
     auto args = screenArgs("correlation");
     args.insert(args.begin(), "--json");
@@ -23,13 +23,19 @@ TEST(CliScreen, JsonCarriesTheNumbersAndTheReport) {
     const auto run = runVaro(dir, args);
     ASSERT_EQ(run.exitCode, 0) << run.err;
     const auto report = nlohmann::json::parse(run.out);
-    EXPECT_EQ(report["series"].size(), 3u);
-    EXPECT_EQ(report["correlations"].size(), 3u);
-    EXPECT_EQ(report["partials"].size(), 2u);
-    EXPECT_EQ(report["partials"][0]["name"], "p1_mslp.dat");
+    EXPECT_EQ(report["correlations"]["columns"].size(), 3u);
+    ASSERT_EQ(report["correlations"]["rows"].size(), 3u);
+    EXPECT_NEAR(report["correlations"]["rows"][1]["values"][1].get<double>(), 1.0, 1e-6);
+    EXPECT_EQ(report["partials"]["columns"], (nlohmann::json{"Partial r", "P value"}));
+    EXPECT_EQ(report["partials"]["rows"][0]["label"], "p1_mslp.dat");
     EXPECT_EQ(report["report"][8], "CORRELATION MATRIX");
     EXPECT_EQ(report["report"][10], "Analysis Period: 01/01/1961 - 31/12/1963 (July)");
+}
 
+// The report's table holds r squared of the significant months alone (null elsewhere); the
+// tables of each statistic hold every month.
+TEST(CliScreen, VarianceJsonCarriesTheReportsTableAndEveryStatistic) {
+    TempDir dir;
     auto variance = screenArgs("variance");
     variance.insert(variance.begin(), "--json");
     variance.insert(variance.end(),
@@ -38,14 +44,23 @@ TEST(CliScreen, JsonCarriesTheNumbersAndTheReport) {
     ASSERT_EQ(explained.exitCode, 0) << explained.err;
     EXPECT_EQ(explained.err, "Warning: Can only apply autoregression analysis to unconditional "
                              "process.\n");
-    const auto table = nlohmann::json::parse(explained.out);
-    EXPECT_EQ(table["results"].size(), 3u);
-    EXPECT_EQ(table["results"][2]["name"], "Autoregression");
-    EXPECT_EQ(table["results"][0]["months"][0]["month"], "JAN");
-    EXPECT_EQ(table["report"][2], "   Significance level: 0.01");
+    const auto document = nlohmann::json::parse(explained.out);
+    const auto& results = document["results"];
+    ASSERT_EQ(results["rows"].size(), 3u);
+    EXPECT_EQ(results["rows"][2]["label"], "Autoregression");
+    EXPECT_EQ(results["columns"][0], "JAN");
+    for (size_t row = 0; row < 3; ++row) {
+        for (size_t month = 0; month < 12; ++month) {
+            const double p = document["p"]["rows"][row]["values"][month].get<double>();
+            EXPECT_EQ(results["rows"][row]["values"][month].is_null(),
+                      static_cast<float>(p) > 0.01f)
+                << row << "," << month;
+        }
+    }
+    EXPECT_EQ(document["report"][2], "   Significance level: 0.01");
 }
 
-TEST(CliScreen, ScatterPrintsTheChartsPointsAndBadRunsExitTwoOrOne) {
+TEST(CliScreen, ScatterPrintsTheChartsPoints) {
     TempDir dir;
     const auto run = runVaro(dir, {"screen", "scatter", Data + "predictand.dat",
                                    Data + "p1_mslp.dat", "--end", "03/01/1961"});
@@ -53,6 +68,11 @@ TEST(CliScreen, ScatterPrintsTheChartsPointsAndBadRunsExitTwoOrOne) {
     EXPECT_EQ(run.out, "0 missing value(s): predictand.dat\n"
                        "p1_mslp.dat predictand.dat\n"
                        "1011.31 -2.65\n1008.86 -12.28\n1014.2 -11.81\n");
+}
+
+// A refusal exits 2, a failure of the run 1.
+TEST(CliScreen, BadRunsExitTwoOrOne) {
+    TempDir dir;
     const auto none = runVaro(dir, {"screen", "scatter", Data + "predictand.dat"});
     EXPECT_EQ(none.exitCode, 2);
     EXPECT_EQ(none.err, "Error Message: You must select one predictor to plot with.\n");

@@ -65,13 +65,17 @@ TEST(CliSettings, JsonShowHasTypedValues) {
     EXPECT_TRUE(shown["ModelTransformation"].is_number_float());
 }
 
-TEST(CliSettings, SetSavesALoadableFileAndRefusesBadValues) {
+TEST(CliSettings, SetSavesAFileTheNextStartLoads) {
     TempDir dir;
     const auto saved = runVaro(dir, {"settings", "set", "YearIndicator", "360"});
     EXPECT_EQ(saved.exitCode, 0) << saved.err;
     EXPECT_EQ(saved.out, "YearIndicator saved to " + dir.path("VARO.INI") + ".\n");
     const auto shown = runVaro(dir, {"--json", "settings", "show"});
     EXPECT_EQ(nlohmann::json::parse(shown.out)["YearIndicator"], 360);
+}
+
+TEST(CliSettings, SetRefusesABadValueAndSavesNothing) {
+    TempDir dir;
     const auto refused = runVaro(dir, {"settings", "set", "ConditionalThresh", "0.99"});
     EXPECT_EQ(refused.exitCode, 2);
     EXPECT_EQ(refused.err,

@@ -42,44 +42,46 @@ TEST(QualityCheck, FirstLineWarningByLengthAndLineEnd) {
     EXPECT_FALSE(dataprep::firstLineTooLong(dir.path("absent.dat")));
 }
 
-TEST(QualityCheck, CountsExtremesMeanAndJump) {
+// What a check finds in small files: counts, extremes (from the fixed starting values of
+// 9999 and -9999), the mean rounded to five decimals half to even, and the largest jump
+// between neighbours (the first of equal ones, none across a missing value).
+TEST(QualityCheck, ResultsOfSmallFiles) {
+    struct Case {
+        const char* content;
+        long total;
+        long missing;
+        double minimum;
+        double maximum;
+        double mean;
+        double maxDiff;
+        double maxDiffFirst;
+        double maxDiffSecond;
+    };
+    const Case cases[] = {
+        {"1\r\n5\r\n-999\r\n2.5\r\n0\r\n", 5, 1, 0.0, 5.0, 2.125, 4.0, 1.0, 5.0},
+        {"1\r\n-999\r\n5\r\n", 3, 1, 1.0, 5.0, 3.0, 0.0, -999.0, -999.0},
+        {"0 3 0 3", 4, 0, 0.0, 3.0, 1.5, 3.0, 0.0, 3.0},
+        {"10000\r\n20000\r\n", 2, 0, 9999.0, 20000.0, 15000.0, 10000.0, 10000.0, 20000.0},
+        {"-10000\r\n-20000\r\n", 2, 0, -20000.0, -9999.0, -15000.0, 10000.0, -10000.0, -20000.0},
+        {"1 2 3\r\n4 5 6\r\n", 6, 0, 1.0, 6.0, 3.5, 1.0, 1.0, 2.0},
+        {"0.000005 0.000005", 2, 0, 0.000005, 0.000005, 0.0, 0.0, -999.0, -999.0},
+        {"1 2 2", 3, 0, 1.0, 2.0, 1.66667, 1.0, 1.0, 2.0},
+    };
     TempDir dir;
-    const auto results = check(dir.write("a.dat", "1\r\n5\r\n-999\r\n2.5\r\n0\r\n"));
-    EXPECT_EQ(results.total, 5);
-    EXPECT_EQ(results.missing, 1);
-    EXPECT_EQ(results.ok, 4);
-    EXPECT_EQ(results.minimum, 0.0);
-    EXPECT_EQ(results.maximum, 5.0);
-    EXPECT_EQ(results.mean, 2.125);
-    EXPECT_EQ(results.maxDiff, 4.0);
-    EXPECT_EQ(results.maxDiffFirst, 1.0);
-    EXPECT_EQ(results.maxDiffSecond, 5.0);
-    EXPECT_EQ(results.aboveThreshold, 3);
-}
-
-TEST(QualityCheck, MissingValueBreaksTheChainOfDifferences) {
-    TempDir dir;
-    const auto results = check(dir.write("a.dat", "1\r\n-999\r\n5\r\n"));
-    EXPECT_EQ(results.maxDiff, 0.0);
-    EXPECT_EQ(results.maxDiffFirst, -999.0);
-    EXPECT_EQ(results.maxDiffSecond, -999.0);
-}
-
-TEST(QualityCheck, FirstOfEqualJumpsIsKept) {
-    TempDir dir;
-    const auto results = check(dir.write("a.dat", "0 3 0 3"));
-    EXPECT_EQ(results.maxDiff, 3.0);
-    EXPECT_EQ(results.maxDiffFirst, 0.0);
-    EXPECT_EQ(results.maxDiffSecond, 3.0);
-}
-
-TEST(QualityCheck, FixedStartingValuesStayForExtremeFiles) {
-    TempDir dir;
-    const auto high = check(dir.write("h.dat", "10000\r\n20000\r\n"));
-    EXPECT_EQ(high.minimum, 9999.0);
-    EXPECT_EQ(high.maximum, 20000.0);
-    const auto low = check(dir.write("l.dat", "-10000\r\n-20000\r\n"));
-    EXPECT_EQ(low.maximum, -9999.0);
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.content);
+        const auto found = check(dir.write("a.dat", c.content));
+        EXPECT_EQ(found.total, c.total);
+        EXPECT_EQ(found.missing, c.missing);
+        EXPECT_EQ(found.ok, c.total - c.missing);
+        EXPECT_EQ(found.minimum, c.minimum);
+        EXPECT_EQ(found.maximum, c.maximum);
+        EXPECT_EQ(found.mean, c.mean);
+        EXPECT_EQ(found.maxDiff, c.maxDiff);
+        EXPECT_EQ(found.maxDiffFirst, c.maxDiffFirst);
+        EXPECT_EQ(found.maxDiffSecond, c.maxDiffSecond);
+    }
+    EXPECT_EQ(check(dir.write("a.dat", "1\r\n5\r\n-999\r\n2.5\r\n0\r\n")).aboveThreshold, 3);
 }
 
 TEST(QualityCheck, ThresholdIsComparedInSinglePrecisionAndStrictly) {
@@ -87,17 +89,6 @@ TEST(QualityCheck, ThresholdIsComparedInSinglePrecisionAndStrictly) {
     // 0.1000000016 lies above the single 0.1f as a double, but rounds to it: no event.
     EXPECT_EQ(check(dir.write("a.dat", "0.1 0.1000000016 0.2"), 0.1f).aboveThreshold, 1);
     EXPECT_EQ(check(dir.write("b.dat", "0 0.000001"), 0.0f).aboveThreshold, 1);
-}
-
-TEST(QualityCheck, MeanIsRoundedToFiveDecimalsHalfToEven) {
-    TempDir dir;
-    EXPECT_EQ(check(dir.write("a.dat", "0.000005 0.000005")).mean, 0.0);
-    EXPECT_EQ(check(dir.write("b.dat", "1 2 2")).mean, 1.66667);
-}
-
-TEST(QualityCheck, EveryValueOfAMultiColumnFileCounts) {
-    TempDir dir;
-    EXPECT_EQ(check(dir.write("a.dat", "1 2 3\r\n4 5 6\r\n")).total, 6);
 }
 
 TEST(QualityCheck, EmptyFileFailsWith62AndAllMissingHasNoMean) {

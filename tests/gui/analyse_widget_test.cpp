@@ -45,7 +45,8 @@ TEST_F(GuiFixture, SummaryStatisticsScreenRunsAModelledFile) {
               0u);
 }
 
-TEST_F(GuiFixture, StatisticsSelectionKeepsEightTicksAndWritesTheStateOnLeaving) {
+// Ticks past eight and refused fields take nothing; what stands is written on leaving.
+TEST_F(GuiFixture, StatisticsSelectionWritesWhatPassedOnLeaving) {
     gui::ScreenContext context{state, dialogs, window->runs(), {}, {}};
     gui::StatsSelectDialog dialog(context, window.get()); // a child: the helpers find its controls
     dialog.show();

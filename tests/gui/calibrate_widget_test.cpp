@@ -2,6 +2,7 @@
 
 #include "gui/calibrate_widget.hpp"
 #include "gui/charts/chart_window.hpp"
+#include "gui/results_table_view.hpp"
 
 #include <QBarSeries>
 #include <QBarSet>
@@ -9,10 +10,10 @@
 #include <QChartView>
 
 #include <QLabel>
-#include <QListWidget>
 #include <QPushButton>
 #include <QRadioButton>
-#include <QTextEdit>
+#include <QTableWidget>
+#include <QTreeWidget>
 
 using namespace varo;
 using varo::testing::GuiFixture;
@@ -34,7 +35,7 @@ TEST_F(GuiFixture, CalibrateScreenFitsAModelAndShowsTheReport) {
     EXPECT_EQ(find<QLabel>("PtandText")->text(), "rain.dat");
     dialogs.pickedFiles.push_back(Data);
     click("Dir2");
-    auto* list = find<QListWidget>("File2");
+    auto* list = find<QTreeWidget>("File2");
     for (const char* name : {"shum.dat", "mslp.dat"}) {
         const auto items = list->findItems(name, Qt::MatchExactly);
         ASSERT_EQ(items.size(), 1);
@@ -61,16 +62,20 @@ TEST_F(GuiFixture, CalibrateScreenFitsAModelAndShowsTheReport) {
 
     auto* results = window->findChild<gui::CalibrateResultsDialog*>("CalibResultsFrm");
     ASSERT_NE(results, nullptr);
-    const QString page = results->findChild<QTextEdit*>("ResultsPage")->toPlainText();
-    EXPECT_TRUE(page.contains("Unconditional Statistics"));
-    EXPECT_TRUE(page.contains("Chow"));
-    // The coefficients follow, one row for the year, as the parameter file holds them.
-    const QString coefficients = page.mid(page.indexOf("Model Coefficients"));
-    EXPECT_TRUE(coefficients.contains("Constant")) << coefficients.toStdString();
-    EXPECT_TRUE(coefficients.contains("mslp.dat")) << coefficients.toStdString();
+    // A tab for the statistics, with the Chow column, then one for the coefficients: one row
+    // for the year, as the parameter file holds them.
+    gui::ResultsTabs* tabs = results->tables();
+    ASSERT_EQ(tabs->count(), 2);
+    EXPECT_EQ(tabs->tabText(0), "Unconditional Statistics");
+    EXPECT_EQ(tabs->view(0)->grid()->horizontalHeaderItem(4)->text(), "Chow");
+    EXPECT_EQ(tabs->tabText(1), "Model Coefficients");
+    const QTableWidget* coefficients = tabs->view(1)->grid();
+    EXPECT_EQ(coefficients->horizontalHeaderItem(2)->text(), "mslp.dat");
+    ASSERT_EQ(coefficients->rowCount(), 1);
+    EXPECT_EQ(coefficients->item(0, 0)->text(), "Annual");
     const std::string parRow = golden.substr(golden.find("\r\n", golden.find("shum.dat")) + 2, 5);
-    EXPECT_TRUE(coefficients.contains("Annual\n" + QString::fromStdString(parRow)))
-        << coefficients.toStdString() << " / " << parRow;
+    EXPECT_TRUE(coefficients->item(0, 1)->text().startsWith(QString::fromStdString(parRow)))
+        << coefficients->item(0, 1)->text().toStdString() << " / " << parRow;
 
     dialogs.pickedFiles.push_back(dir.path("REPORT.TXT"));
     QTest::mouseClick(results->findChild<QPushButton*>("menuSave"), Qt::LeftButton);
@@ -90,7 +95,7 @@ TEST_F(GuiFixture, CalibrationWithTheHistogramChoiceOpensTheHistogramScreen) {
     dialogs.pickedFiles = {Data + "/rain.dat", Data, dir.path("MODEL.PAR")};
     click("PredictandButton");
     click("Dir2");
-    find<QListWidget>("File2")->findItems("mslp.dat", Qt::MatchExactly).at(0)->setSelected(true);
+    find<QTreeWidget>("File2")->findItems("mslp.dat", Qt::MatchExactly).at(0)->setSelected(true);
     click("PARFileButton");
     click("GraphType2");
     type("HistogramCatsText", "3");

@@ -68,7 +68,7 @@ TEST_F(ChartScreenFixture, ATitleAndAColourChangedInSettingsAndResetAll) {
     EXPECT_EQ(state.barColours[0], (core::Rgb{10, 160, 200}));
 }
 
-TEST_F(ChartScreenFixture, ARefusedFieldGetsItsLastGoodValueAndSettingsResetRestoresTheFields) {
+TEST_F(ChartScreenFixture, ARefusedFieldGetsItsLastGoodValue) {
     gui::ChartWindow* chart = open(compareChart());
     chart->openSettings();
     type("MinYText", "low");
@@ -77,6 +77,11 @@ TEST_F(ChartScreenFixture, ARefusedFieldGetsItsLastGoodValueAndSettingsResetRest
     type("TickText", "60");
     EXPECT_EQ(dialogs.lastText(), "Ticks must be a value between 1 and 50.");
     EXPECT_EQ(text("TickText"), "5");
+}
+
+TEST_F(ChartScreenFixture, SettingsResetRestoresTheFieldsAsTheyOpened) {
+    gui::ChartWindow* chart = open(compareChart());
+    chart->openSettings();
     type("MaxYText", "12");
     type("Legend2Text", "Modelled");
     click("ResetButton");
@@ -169,13 +174,17 @@ TEST_F(ChartScreenFixture, TheCompareKeyOpensTheScreenWhosePlotOpensTheResultCha
     EXPECT_EQ(state.chartKind, 1);
 }
 
-TEST_F(ChartScreenFixture, BackClosesTheChartAndExitAsksTheProgramsQuestion) {
+TEST_F(ChartScreenFixture, ExitAsksTheProgramsQuestion) {
     QPointer<gui::ChartWindow> chart = open(compareChart());
     trigger("mnuExit"); // answered No
     EXPECT_EQ(dialogs.questions, std::vector<std::string>{"Do you really want to exit VARO?"});
     EXPECT_TRUE(window->isVisible());
     ASSERT_TRUE(chart);
     EXPECT_TRUE(chart->isVisible());
+}
+
+TEST_F(ChartScreenFixture, BackClosesTheChart) {
+    QPointer<gui::ChartWindow> chart = open(compareChart());
     trigger("mnuBack");
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     EXPECT_TRUE(chart.isNull()) << "a closed chart screen is gone";

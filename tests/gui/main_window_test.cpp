@@ -31,14 +31,14 @@ TEST_F(GuiFixture, GoingToAScreenBuildsItAfresh) {
     window->goTo(screens::ScreenKey::Quality);
     auto* first = qobject_cast<gui::QualityWidget*>(window->currentScreen());
     ASSERT_NE(first, nullptr);
-    first->record().chooseFile("/some/file.dat");
+    first->record().file.choose("/some/file.dat");
     window->goTo(screens::ScreenKey::Quality); // the key of the screen showing does nothing
     EXPECT_EQ(window->currentScreen(), first);
     window->goTo(screens::ScreenKey::Home);
     window->goTo(screens::ScreenKey::Quality);
     auto* second = qobject_cast<gui::QualityWidget*>(window->currentScreen());
     ASSERT_NE(second, nullptr);
-    EXPECT_EQ(second->record().selectFileText, "Not selected");
+    EXPECT_EQ(second->record().file.text, "Not selected");
 }
 
 TEST_F(GuiFixture, ExitAsksAndNoKeepsTheWindow) {

@@ -34,7 +34,7 @@ TEST_F(GuiFixture, AKeyLeavesTheFocusedEntryFirst) {
     EXPECT_EQ(core::formatDate(state.globalEDate), "31/12/1990");
 }
 
-TEST_F(GuiFixture, BackStaysOnARefusedEntryAndSaveWritesTheFile) {
+TEST_F(GuiFixture, BackStaysOnARefusedEntry) {
     window->showHome();
     window->openSettings();
     auto* settings = window->currentPage();
@@ -43,6 +43,11 @@ TEST_F(GuiFixture, BackStaysOnARefusedEntryAndSaveWritesTheFile) {
     EXPECT_EQ(dialogs.lastText(), "Missing data identifier must be a number.");
     EXPECT_EQ(window->currentPage(), settings);
     EXPECT_EQ(text("MissingCodeText"), "-999");
+}
+
+TEST_F(GuiFixture, SaveWritesTheOptionChosen) {
+    window->showHome();
+    window->openSettings();
     click("YearDays2");
     EXPECT_EQ(state.yearIndicator, 360);
     click("menuSave");

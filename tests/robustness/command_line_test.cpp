@@ -72,7 +72,9 @@ std::vector<Line> dateLines(const std::string& date) {
     };
     std::vector<Line> lines;
     for (const auto& [name, arguments] : commands) {
-        lines.push_back({"'" + shown(date, 24) + "' / " + name, arguments});
+        std::string label(1, '\'');
+        label.append(shown(date, 24)).append("' / ").append(name);
+        lines.push_back({label, arguments});
     }
     return lines;
 }

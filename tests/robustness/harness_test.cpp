@@ -22,7 +22,7 @@ ChildResult shell(const std::string& script,
     ChildRequest request;
     request.arguments = {"/bin/sh", "-c", script};
     request.environment = {"PATH=/usr/bin:/bin"};
-    request.workingFolder = "/";
+    request.workingFolder = std::string("/");
     request.timeLimit = limit;
     return runChild(request);
 }
@@ -52,7 +52,7 @@ TEST(RobustnessHarness, ChildInterruptedOnceItCatchesTheSignal) {
     ChildRequest request;
     request.arguments = {"/bin/sh", "-c", "trap 'exit 42' INT; while :; do sleep 0.01; done"};
     request.environment = {"PATH=/usr/bin:/bin"};
-    request.workingFolder = "/";
+    request.workingFolder = std::string("/");
     request.whileRunning = [](pid_t pid) {
         if (!catchesSignal(pid, SIGINT)) {
             return true;

@@ -339,7 +339,10 @@ TEST(Robustness, OutFiles) {
                  std::string cut;
                  for (size_t start = 0; start < line.size(); start += 14) {
                      const std::string field = line.substr(start, 14);
-                     cut += (cut.empty() ? "" : "\t") + field.substr(0, field.find(' '));
+                     if (!cut.empty()) {
+                         cut += '\t';
+                     }
+                     cut += field.substr(0, field.find(' '));
                  }
                  line = cut;
              }

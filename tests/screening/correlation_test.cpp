@@ -75,7 +75,8 @@ TEST_F(CorrelationFixture, TheReportStandsInItsColumns) {
     asked.conditional = true;
     const auto data = assembleScreeningData(asked, state, progress);
     const auto result = correlate(data, true, state);
-    const auto report = correlationReport(data, result, {"1/1/1961", "08/01/1961", "Annual"}, true);
+    const auto tables = correlationTables(data, result);
+    const auto report = correlationReport(data, tables, {"1/1/1961", "08/01/1961", "Annual"}, true);
     const std::vector<std::string> expected = {
         "",
         "",
@@ -114,20 +115,31 @@ TEST_F(CorrelationFixture, TheReportStandsInItsColumns) {
     EXPECT_LT(result.r[2][0], 0.0); // the layout above holds a minus sign in that column
     EXPECT_GT(result.partial[0], 0.0);
     EXPECT_LT(result.partial[1], 0.0);
+    // The tables the report is written from: the matrix by series, the partials by predictor.
+    EXPECT_EQ(tables.matrix.columns, data.names);
+    EXPECT_EQ(tables.matrix.rows.at(2).cells.at(0).value, result.r[2][0]);
+    ASSERT_TRUE(tables.partials.has_value());
+    EXPECT_EQ(tables.partials->rows.at(1).label, "shum.dat");
+    EXPECT_EQ(tables.partials->rows.at(1).cells.at(1).value, result.pValue[1]);
 }
 
-TEST_F(CorrelationFixture, OnePredictorHasNoPartialsAndOneWithoutSpreadCannotBeDividedOut) {
+TEST_F(CorrelationFixture, OnePredictorHasNoPartials) {
     const auto y = file("y.dat", {1, 2, 3, 5});
     const auto data =
         assembleScreeningData(request(y, {file("x.dat", {2, 1, 4, 3})}, 4), state, progress);
     const auto result = correlate(data, false, state);
     EXPECT_TRUE(result.partial.empty());
-    const auto report = correlationReport(data, result, {"a", "b", "Annual"}, false);
+    const auto tables = correlationTables(data, result);
+    EXPECT_FALSE(tables.partials.has_value());
+    const auto report = correlationReport(data, tables, {"a", "b", "Annual"}, false);
     EXPECT_EQ(report.lines.back(), "NO PARTIAL CORRELATIONS TO CALCULATE");
     for (const auto& line : report.lines) {
         EXPECT_EQ(line.find("threshold"), std::string::npos);
     }
+}
 
+TEST_F(CorrelationFixture, APredictorWithoutSpreadCannotBeDividedOut) {
+    const auto y = file("y.dat", {1, 2, 3, 5});
     const auto flat =
         assembleScreeningData(request(y, {file("flat.dat", {2, 2, 2, 2})}, 4), state, progress);
     EXPECT_TRUE(varo::testing::failsWith([&] { correlate(flat, false, state); },

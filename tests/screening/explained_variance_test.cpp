@@ -102,7 +102,8 @@ TEST_F(VarianceFixture, TheReportMarksTheBestAndLeavesInsignificantPlacesEmpty) 
     result.cells[1][0] = {90, 0, 0.3, 0.09, 3.0, 0.01, false};
     result.cells[1][11] = {90, 0, 0.9, 0.81, 20.0, 0.0, true};
     result.cells[0][11] = {90, 0, 0.2, 0.04, 2.0, 0.0500001, false};
-    const auto report = varianceReport(result, {"01/01/1961", "31/12/1990", "0.05"}, 0.05f);
+    const auto table = varianceTable(result, 0.05f);
+    const auto report = varianceReport(result, table, {"01/01/1961", "31/12/1990", "0.05"});
     const std::vector<std::string> expected = {
         "   RESULTS: EXPLAINED VARIANCE",
         "   Analysis Period: 01/01/1961 - 31/12/1990",
@@ -116,6 +117,12 @@ TEST_F(VarianceFixture, TheReportMarksTheBestAndLeavesInsignificantPlacesEmpty) 
     };
     EXPECT_EQ(report.lines, expected);
     EXPECT_EQ(report.highlights, (std::vector<Highlight>{{6, 23, 5}, {7, 111, 5}}));
+    // A month just above the level is missing from the table; every statistic of it stands
+    // in the table of that statistic.
+    EXPECT_FALSE(table.rows[0].cells[11].value.has_value());
+    EXPECT_TRUE(table.rows[1].cells[11].highlighted);
+    EXPECT_EQ(varianceStatisticTable(result, "p").rows[0].cells[11].value, 0.0500001);
+    EXPECT_EQ(varianceStatisticTable(result, "n").rows[1].cells[0].value, 90.0);
 }
 
 TEST_F(VarianceFixture, AMonthOutgrowingItsRowsFails) {

@@ -23,14 +23,14 @@ TEST_F(QualityFixture, NoFileChosenIsRefused) {
     EXPECT_EQ(screen.check(dialogs, progress), screens::RunOutcome::Refused);
     ASSERT_EQ(dialogs.errors().size(), 1u);
     EXPECT_EQ(dialogs.errors()[0], "You must select a file to check first.");
-    EXPECT_EQ(screen.selectFileText, "Not selected");
+    EXPECT_EQ(screen.file.text, "Not selected");
 }
 
 TEST_F(QualityFixture, ResultsFillTheFieldsAndTheClosingBoxNamesTheFile) {
     screens::QualityScreen screen(state);
     dialogs.pickedFiles.push_back(dir.write("rain.dat", "0.5\r\n-999\r\n12.25\r\n0\r\n"));
     screen.pickFile(dialogs);
-    EXPECT_EQ(screen.selectFileText, "rain.dat");
+    EXPECT_EQ(screen.file.text, "rain.dat");
     EXPECT_EQ(screen.check(dialogs, progress), screens::RunOutcome::Done);
     EXPECT_EQ(screen.totalText, "4");
     EXPECT_EQ(screen.missingText, "1");
@@ -49,7 +49,7 @@ TEST_F(QualityFixture, ResultsFillTheFieldsAndTheClosingBoxNamesTheFile) {
 
 TEST_F(QualityFixture, LongFirstLineWarnsBeforeTheCheckGoesOn) {
     screens::QualityScreen screen(state);
-    screen.chooseFile(dir.write("wide.dat", "1.000 2.000 3.000 4.000\r\n"));
+    screen.file.choose(dir.write("wide.dat", "1.000 2.000 3.000 4.000\r\n"));
     EXPECT_EQ(screen.check(dialogs, progress), screens::RunOutcome::Done);
     ASSERT_EQ(dialogs.messages.size(), 2u);
     EXPECT_EQ(dialogs.messages[0].title, "Warning Message");
@@ -61,7 +61,7 @@ TEST_F(QualityFixture, LongFirstLineWarnsBeforeTheCheckGoesOn) {
 
 TEST_F(QualityFixture, AllMissingFileFailsAfterTheFieldsBeforeTheMean) {
     screens::QualityScreen screen(state);
-    screen.chooseFile(dir.write("m.dat", "-999\r\n-999\r\n"));
+    screen.file.choose(dir.write("m.dat", "-999\r\n-999\r\n"));
     EXPECT_EQ(screen.check(dialogs, progress), screens::RunOutcome::Failed);
     EXPECT_EQ(screen.totalText, "2");
     EXPECT_EQ(screen.maxText, "-9999");
@@ -73,11 +73,11 @@ TEST_F(QualityFixture, AllMissingFileFailsAfterTheFieldsBeforeTheMean) {
 
 TEST_F(QualityFixture, ResetClearsAndShowsTheMissingCodeAfresh) {
     screens::QualityScreen screen(state);
-    screen.chooseFile(dir.write("a.dat", "1\r\n"));
+    screen.file.choose(dir.write("a.dat", "1\r\n"));
     screen.check(dialogs, progress);
     state.globalMissingCode = -99.5;
     screen.reset();
-    EXPECT_EQ(screen.selectFileText, "Not selected");
+    EXPECT_EQ(screen.file.text, "Not selected");
     EXPECT_EQ(screen.totalText, "");
     EXPECT_EQ(screen.missingCodeText, "-99.5");
 }
@@ -92,7 +92,7 @@ public:
 
 TEST_F(QualityFixture, CancelShowsNothing) {
     screens::QualityScreen screen(state);
-    screen.chooseFile(dir.write("a.dat", "1\r\n2\r\n"));
+    screen.file.choose(dir.write("a.dat", "1\r\n2\r\n"));
     StoppingProgress stopping;
     EXPECT_EQ(screen.check(dialogs, stopping), screens::RunOutcome::Cancelled);
     EXPECT_TRUE(dialogs.messages.empty());

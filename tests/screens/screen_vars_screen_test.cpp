@@ -38,28 +38,12 @@ struct ScreenVarsFixture : ::testing::Test {
 
 } // namespace
 
-TEST(PredictorDescription, LooksTheCodeUpInThePredictorTable) {
-    core::ProgramState state;
-    core::initialiseState(state);
-    EXPECT_EQ(screens::predictorDescription(state, "mslp.dat"), "Mean sea level pressure");
-    EXPECT_EQ(screens::predictorDescription(state, "OBS_P__F_1961.DAT"),
-              "Surface airflow strength");
-    EXPECT_EQ(screens::predictorDescription(state, "gcm_p500.dat"), "500 hPa geopotential height");
-    // The earliest code wins: "temp" stands before "p500" here.
-    EXPECT_EQ(screens::predictorDescription(state, "temp_p500.dat"), "Mean temperature at 2m");
-    EXPECT_EQ(screens::predictorDescription(state, "rain.dat"), "");
-}
-
-TEST_F(ScreenVarsFixture, TheListComesFromTheFolderAndMoreThanTwelveWarn) {
+TEST_F(ScreenVarsFixture, MoreThanTwelvePredictorsWarnAndCorrelationRefusesThem) {
     fillFolder();
     ScreenVarsScreen screen(state);
-    ASSERT_EQ(screen.predictorFiles.size(), 13u);
-    EXPECT_EQ(screen.predictorFiles.front(), "obs_mslp.dat");
-    EXPECT_EQ(screen.predictorFiles.back(), "obs_temp.dat");
+    ASSERT_EQ(screen.predictors.files.size(), 13u);
     screen.selectPredictorItems({3, 1}, dialogs);
-    EXPECT_EQ(screen.selectedPredictors,
-              (std::vector<std::string>{dir.path("obs_p500.dat"), dir.path("obs_p__f.dat")}));
-    EXPECT_EQ(screen.noOfFiles, "2");
+    EXPECT_EQ(screen.predictors.count(), 2u);
     EXPECT_TRUE(dialogs.messages.empty());
     std::vector<size_t> all(13);
     std::iota(all.begin(), all.end(), 0);
@@ -121,10 +105,10 @@ TEST_F(ScreenVarsFixture, BothAnalysesReportAndThePredictandIsRemembered) {
     ScreenVarsScreen screen(state);
     dialogs.pickedFiles.push_back(DataFolder + "predictand.dat");
     screen.pickPredictand(dialogs);
-    EXPECT_EQ(screen.ptandText, "predictand.dat");
+    EXPECT_EQ(screen.predictand.text, "predictand.dat");
     EXPECT_EQ(state.selectedPredictandName, "predictand.dat");
     EXPECT_EQ(state.selectedPredictandPath, DataFolder + "predictand.dat");
-    screen.setPredictorFolder(DataFolder);
+    screen.predictors.setFolder(DataFolder);
     screen.selectPredictorItems({2, 1}, dialogs); // after make_reference.py
     screen.feDate.text = "31/12/1963";
     screen.datesCombo = 7; // March

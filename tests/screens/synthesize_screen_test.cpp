@@ -35,9 +35,9 @@ struct SynthesizeFixture : ::testing::Test {
     // A screen with reg.PAR's details shown, ready to run 10 days from 27/02/1960.
     screens::SynthesizeScreen readyScreen() {
         screens::SynthesizeScreen screen(state);
-        screen.chooseParFile(Data + "/reg.PAR");
+        screen.parFile.choose(Data + "/reg.PAR");
         screen.setPredictorFolder(Data);
-        screen.chooseOutFile(dir.path("run.OUT"));
+        screen.outFile.choose(dir.path("run.OUT"));
         EXPECT_EQ(screen.viewDetails(dialogs), RunOutcome::Done);
         screen.fStartText.text = "27/02/1960";
         screen.fLengthText.text = "10";
@@ -61,7 +61,7 @@ struct SynthesizeFixture : ::testing::Test {
 TEST_F(SynthesizeFixture, ParameterFileCheckRunsInOrder) {
     screens::SynthesizeScreen screen(state);
     const auto errorFor = [&](const std::string& path) {
-        screen.chooseParFile(path);
+        screen.parFile.choose(path);
         dialogs.messages.clear();
         screen.checkParameterFile(dialogs);
         return dialogs.lastText();
@@ -78,7 +78,7 @@ TEST_F(SynthesizeFixture, ParameterFileCheckRunsInOrder) {
 
 TEST_F(SynthesizeFixture, ViewDetailsFillsTheScreenFromBothFileForms) {
     screens::SynthesizeScreen screen(state);
-    screen.chooseParFile(Data + "/reg.PAR");
+    screen.parFile.choose(Data + "/reg.PAR");
     EXPECT_EQ(screen.viewDetails(dialogs), RunOutcome::Done);
     EXPECT_EQ(screen.fStartText.text, "01/01/1960");
     EXPECT_EQ(screen.fLengthText.text, "3650");
@@ -86,7 +86,7 @@ TEST_F(SynthesizeFixture, ViewDetailsFillsTheScreenFromBothFileForms) {
               (std::vector<std::string>{"obs.dat", "reg_p1.dat", "reg_p2.dat"}));
 
     screens::SynthesizeScreen older(state);
-    older.chooseParFile(Data + "/stochastic.PAR");
+    older.parFile.choose(Data + "/stochastic.PAR");
     EXPECT_EQ(older.viewDetails(dialogs), RunOutcome::Done);
     EXPECT_EQ(older.processLabel, "Conditional");
     EXPECT_EQ(older.autoRegressLabel, "Unknown");
@@ -128,15 +128,15 @@ TEST_F(SynthesizeFixture, RunChecksComeInTheirOrderAndResetTheirFields) {
     expectRefused(ready, "Error Message", "Fit length must be at least one day.");
     EXPECT_EQ(ready.fLengthText.text, "365");
     ready.fLengthText.text = "10000"; // equal to the record length passes
-    ready.outFilePath.clear();
+    ready.outFile.path.clear();
     expectRefused(ready, "Error Message", "You must select a suitable output file to save to.");
     EXPECT_EQ(ready.fLengthText.text, "10000");
-    ready.chooseOutFile(dir.path("run.SIM"));
+    ready.outFile.choose(dir.path("run.SIM"));
     expectRefused(ready, "Error Message",
                   "The output file's name must not end in SIM: the description file beside it "
                   "takes that name.");
-    ready.chooseOutFile(dir.path("run.OUT"));
-    ready.chooseParFile(Data + "/reg.Par");
+    ready.outFile.choose(dir.path("run.OUT"));
+    ready.parFile.choose(Data + "/reg.Par");
     expectRefused(ready, "Error Message", "You must select a .PAR file.");
 }
 
@@ -176,8 +176,8 @@ TEST_F(SynthesizeFixture, ResetPutsEveryFieldBack) {
     state.globalSDate = {1, 1, 1971};
     screen.eSize.text = "7";
     screen.reset();
-    EXPECT_EQ(screen.parFileText, "Not selected");
-    EXPECT_TRUE(screen.parFilePath.empty());
+    EXPECT_EQ(screen.parFile.text, "Not selected");
+    EXPECT_TRUE(screen.parFile.path.empty());
     EXPECT_EQ(screen.rLengthText, "unknown");
     EXPECT_EQ(screen.fStartText.text, "01/01/1971");
     EXPECT_EQ(screen.eSize.text, "20");
@@ -205,9 +205,9 @@ TEST_F(SynthesizeFixture, AnOutputThatIsAnInputIsRefusedAndTheInputStays) {
     };
     for (const Case& c : cases) {
         screens::SynthesizeScreen screen(state);
-        screen.chooseParFile(model);
+        screen.parFile.choose(model);
         screen.setPredictorFolder(dir.folder());
-        screen.chooseOutFile(c.out);
+        screen.outFile.choose(c.out);
         ASSERT_EQ(screen.viewDetails(dialogs), RunOutcome::Done);
         screen.fStartText.text = "27/02/1960";
         screen.fLengthText.text = "10";

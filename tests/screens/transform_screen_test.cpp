@@ -95,11 +95,11 @@ TEST_F(TransformScreenFixture, RunChecksComeInTheirOrder) {
     screens::TransformScreen screen(state);
     EXPECT_EQ(screen.transform(dialogs, progress), Outcome::Refused);
     EXPECT_EQ(dialogs.lastText(), "You must select a file to transform.");
-    screen.chooseInput(dir.write("in.dat", "1\r\n2\r\n"));
+    screen.input.choose(dir.write("in.dat", "1\r\n2\r\n"));
     EXPECT_EQ(screen.transform(dialogs, progress), Outcome::Refused);
     EXPECT_EQ(dialogs.lastText(), "You must select a file to save the transformation to.");
-    screen.chooseOutput(dir.path("out.dat"));
-    EXPECT_EQ(screen.saveFileText, "out.dat");
+    screen.output.choose(dir.path("out.dat"));
+    EXPECT_EQ(screen.output.text, "out.dat");
 
     // A bad lag stops only a lag run; a bad threshold only a binomial run.
     screen.option = dataprep::transform::Lag;
@@ -119,9 +119,9 @@ TEST_F(TransformScreenFixture, RunChecksComeInTheirOrder) {
 TEST_F(TransformScreenFixture, ARunWritesTheFileCopiesTheDescriptionAndReports) {
     screens::TransformScreen screen(state);
     std::filesystem::create_directories(dir.path("out"));
-    screen.chooseInput(dir.write("run.OUT", "1 -999\r\n0 4\r\n"));
+    screen.input.choose(dir.write("run.OUT", "1 -999\r\n0 4\r\n"));
     dir.write("run.SIM", "sim\r\n");
-    screen.chooseOutput(dir.path("out/logs.dat"));
+    screen.output.choose(dir.path("out/logs.dat"));
     screen.colsText.text = "2";
     screen.simCheck = true;
     EXPECT_EQ(screen.transform(dialogs, progress), Outcome::Done);
@@ -139,11 +139,11 @@ TEST_F(TransformScreenFixture, ARunWritesTheFileCopiesTheDescriptionAndReports) 
 
 TEST_F(TransformScreenFixture, FailuresShowTheFailureBox) {
     screens::TransformScreen screen(state);
-    screen.chooseInput(dir.path("absent.dat"));
-    screen.chooseOutput(dir.path("out.dat"));
+    screen.input.choose(dir.path("absent.dat"));
+    screen.output.choose(dir.path("out.dat"));
     EXPECT_EQ(screen.transform(dialogs, progress), Outcome::Failed);
     EXPECT_NE(dialogs.lastText().find("\r\nFile not found.\r\n"), std::string::npos);
-    screen.chooseInput(dir.write("in.dat", "1\r\n"));
+    screen.input.choose(dir.write("in.dat", "1\r\n"));
     screen.option = dataprep::transform::BoxCox;
     EXPECT_EQ(screen.transform(dialogs, progress), Outcome::Failed);
     EXPECT_EQ(dialogs.lastText(), "Sorry - insufficient data to perform Box Cox transformation.");
@@ -154,12 +154,12 @@ TEST_F(TransformScreenFixture, ResetTakesTheThresholdAndTheCaptionFromTheSetting
     state.thresh = 0.25f;
     state.globalMissingCode = -99.5;
     screens::TransformScreen screen(state);
-    screen.chooseInput("/x/in.dat");
+    screen.input.choose("/x/in.dat");
     screen.option = dataprep::transform::Cube;
     screen.wrapCheck = true;
     screen.reset();
-    EXPECT_EQ(screen.selectFileText, "Not selected");
-    EXPECT_EQ(screen.saveFileText, "Not entered");
+    EXPECT_EQ(screen.input.text, "Not selected");
+    EXPECT_EQ(screen.output.text, "Not entered");
     EXPECT_EQ(screen.option, dataprep::transform::NaturalLog);
     EXPECT_FALSE(screen.wrapCheck);
     EXPECT_EQ(screen.binomialText.text, ".25");
@@ -208,8 +208,8 @@ TEST_F(TransformScreenFixture, RefusedOrFailedRunsLeaveEveryFileAsItWas) {
         const auto earlier = dir.write("out.dat", "earlier output\r\n");
         const auto earlierCopy = dir.write("out.SIM", "earlier copy\r\n");
         screens::TransformScreen screen(state);
-        screen.chooseInput(input);
-        screen.chooseOutput(dir.path(c.output));
+        screen.input.choose(input);
+        screen.output.choose(dir.path(c.output));
         screen.colsText.text = "2";
         screen.option = c.option;
         screen.simCheck = c.simCheck;

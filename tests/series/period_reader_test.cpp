@@ -58,7 +58,7 @@ TEST(ReadPeriod, SkipsByTheFilesCalendarAndReadsMembersByFieldOrOneFreeFormat) {
               (std::vector<double>{2.0, 3.0, 4.0}));
 }
 
-TEST(ReadPeriod, ShortFileGarbledFieldAndCancel) {
+TEST(ReadPeriod, ShortFilesAndGarbledFieldsAreFailures) {
     TempDir dir;
     core::NullProgress progress;
     DataSource shortFile{dir.write("short.dat", "1\r\n2\r\n"), 1, core::RealCalendar,
@@ -76,7 +76,10 @@ TEST(ReadPeriod, ShortFileGarbledFieldAndCancel) {
     DataSource narrow{dir.write("narrow.OUT", "1.000\r\n"), 2, core::RealCalendar,
                       date(1, 1, 1961)};
     EXPECT_THROW(readPeriod(narrow, date(1, 1, 1961), date(1, 1, 1961), progress), core::Failure);
+}
 
+TEST(ReadPeriod, AStopRequestCancels) {
+    TempDir dir;
     DataSource fine{dir.write("fine.dat", "1\r\n2\r\n3\r\n"), 1, core::RealCalendar,
                     date(1, 1, 1961)};
     RecordingProgress stopping(1);

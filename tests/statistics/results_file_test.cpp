@@ -51,7 +51,8 @@ TEST(ResultsText, HeaderTableAndSeparatorsWithoutGrouping) {
     results.base.values[1][column::Sum] = -0.0004;
     results.base.values[17][column::Mean] = Missing;
     results.base.values[17][column::Sum] = 2.0625; // ties go to the even digit
-    const auto text = lines(resultsText(twoColumns(), results));
+    const auto text =
+        lines(resultsText(twoColumns(), resultTables(twoColumns(), results, Missing)));
     ASSERT_EQ(text.size(), 22u);
     EXPECT_EQ(text[0], "SUMMARY STATISTICS FOR: run.OUT");
     EXPECT_EQ(text[1], "Analysis Start Date: 01/01/1961");
@@ -79,7 +80,8 @@ TEST(ResultsText, DeviationsDeltasAndTests) {
     results.delta = delta;
     auto labels = twoColumns();
     labels.deltaKind = AbsoluteDelta;
-    const auto text = lines(resultsText(labels, results));
+    const ResultsTables tables = resultTables(labels, results, Missing);
+    const auto text = lines(resultsText(labels, tables));
     ASSERT_EQ(text.size(), 22u + 20u + 2u + 3u * 20u + 2u * 20u);
     EXPECT_EQ(text[22], "");
     EXPECT_EQ(text[23], "Standard Deviations of Results");
@@ -101,6 +103,20 @@ TEST(ResultsText, DeviationsDeltasAndTests) {
     EXPECT_EQ(text[126], "Period,Period A,Period B,Period C");
     EXPECT_EQ(text[127], "January,-999,,12,");
     EXPECT_EQ(text[128], "February,12,12,12,");
+
+    // The same tables under their tab names; a t value above 1.96 alone is picked out.
+    std::vector<std::string> names;
+    for (const auto& named : tables.named()) {
+        names.push_back(named.name);
+    }
+    EXPECT_EQ(names,
+              (std::vector<std::string>{"Statistics", "Standard deviations", "Period A", "Period B",
+                                        "Period C", "T test", "Degrees of freedom"}));
+    EXPECT_EQ(tables.delta->periods[0].title,
+              "Period A: 01/01/2011 to 31/12/2040, absolute difference");
+    EXPECT_FALSE(tables.delta->tTest.rows[1].cells[0].highlighted);
+    results.delta->tests[0][2].t = 1.97;
+    EXPECT_TRUE(resultTables(labels, results, Missing).delta->tTest.rows[1].cells[0].highlighted);
 }
 
 TEST(ResultsFile, WrittenWholeOrNotAtAll) {

@@ -27,6 +27,11 @@ std::string fileText(const std::string& lineEnd = "\r\n", int rows = 17) {
     return text;
 }
 
+// Statistic s of row r.
+std::optional<double> value(const core::ResultsTable& table, size_t s, size_t r) {
+    return table.rows.at(r).cells.at(s).value;
+}
+
 struct BadFile {
     const char* what;
     std::string text;
@@ -41,13 +46,14 @@ TEST(ResultsReader, ReadsTheHeadingAndTheSeventeenRowsWhateverTheLineEnds) {
     for (const std::string lineEnd : {"\r\n", "\n", "\r"}) {
         const auto table = readResultsTable(dir.write("r.txt", fileText(lineEnd)), -999.0);
         EXPECT_EQ(table.rowHeading, "Month");
-        EXPECT_EQ(table.statistics, (std::vector<std::string>{"Mean", "Sum"}));
-        ASSERT_EQ(table.rowNames.size(), 17u);
-        EXPECT_EQ(table.rowNames[12], "Winter");
-        EXPECT_EQ(table.values[0][0], 1.25);
-        EXPECT_EQ(table.values[1][16], 170.0);
-        EXPECT_EQ(table.statisticIndex("Sum"), 1u);
-        EXPECT_EQ(table.statisticIndex("sum"), std::nullopt);
+        EXPECT_EQ(table.columns, (std::vector<std::string>{"Mean", "Sum"}));
+        ASSERT_EQ(table.rows.size(), 17u);
+        EXPECT_EQ(table.rows[12].label, "Winter");
+        EXPECT_EQ(value(table, 0, 0), 1.25);
+        EXPECT_EQ(value(table, 1, 16), 170.0);
+        EXPECT_EQ(table.columnIndex("Sum"), 1u);
+        EXPECT_EQ(table.columnIndex("sum"), std::nullopt);
+        EXPECT_EQ(table.cellText(table.rows[0].cells[0]), "1.250");
     }
 }
 
@@ -56,7 +62,7 @@ TEST(ResultsReader, ReadsOnlyTheFirstTable) {
     std::string text = fileText() + "\r\nStandard Deviations of Results\r\nMonth,Mean,Sum\r\n";
     text += "January,oops,\r\n"; // a second table is not read at all
     const auto table = readResultsTable(dir.write("r.txt", text), -999.0);
-    EXPECT_EQ(table.values[0][0], 1.25);
+    EXPECT_EQ(value(table, 0, 0), 1.25);
 }
 
 TEST(ResultsReader, AValueWrittenAsTheMissingCodeIsMissing) {
@@ -65,20 +71,20 @@ TEST(ResultsReader, AValueWrittenAsTheMissingCodeIsMissing) {
     text.replace(text.find("3.250"), 5, "-999.000");
     text.replace(text.find("40.000"), 6, "-99.990");
     auto table = readResultsTable(dir.write("r.txt", text), -999.0);
-    EXPECT_EQ(table.values[0][2], std::nullopt);
-    EXPECT_EQ(table.values[1][3], -99.99);
+    EXPECT_EQ(value(table, 0, 2), std::nullopt);
+    EXPECT_EQ(table.cellText(table.rows[2].cells[0]), "-999.000");
+    EXPECT_EQ(value(table, 1, 3), -99.99);
     // A code of more decimals than the file keeps is matched as the file writes it.
     table = readResultsTable(dir.path("r.txt"), -99.9904);
-    EXPECT_EQ(table.values[0][2], -999.0);
-    EXPECT_EQ(table.values[1][3], std::nullopt);
+    EXPECT_EQ(value(table, 0, 2), -999.0);
+    EXPECT_EQ(value(table, 1, 3), std::nullopt);
 }
 
 TEST(ResultsReader, AFileWithoutATableHasNoStatistics) {
     TempDir dir;
-    EXPECT_TRUE(readResultsTable(dir.write("a.txt", "just text\r\n"), -999.0).statistics.empty());
-    EXPECT_TRUE(readResultsTable(dir.write("b.txt", ""), -999.0).statistics.empty());
-    const auto bare = readResultsTable(dir.write("c.txt", "Month\r\n"), -999.0);
-    EXPECT_TRUE(bare.statistics.empty());
+    for (const char* text : {"just text\r\n", "", "Month\r\n"}) {
+        EXPECT_TRUE(readResultsTable(dir.write("a.txt", text), -999.0).columns.empty()) << text;
+    }
 }
 
 TEST(ResultsReader, ABrokenTableNamesTheFileLineAndValue) {

@@ -251,9 +251,15 @@ TEST(ShellSort, SortsEveryLengthAroundTheGapBoundaries) {
     }
 }
 
-TEST(Passes, CaptionsInPassOrderAndACancelStopsTheRun) {
-    auto settings = settingsFor({column::Mean, column::Variance, column::MaxNTot, column::Acf,
-                                 column::WetSpell, column::Median});
+namespace {
+statistics::EngineSettings everyPass() {
+    return settingsFor({column::Mean, column::Variance, column::MaxNTot, column::Acf,
+                        column::WetSpell, column::Median});
+}
+} // namespace
+
+TEST(Passes, CaptionsInPassOrder) {
+    const auto settings = everyPass();
     RecordingProgress progress;
     auto rows = rowsWith({{1, {1.0, 2.0, 3.0, 4.0, BE, RE}}});
     memberStatistics(rows, settings, progress);
@@ -264,7 +270,10 @@ TEST(Passes, CaptionsInPassOrderAndACancelStopsTheRun) {
                                                "Calculating Precipitation Statistics - Please Wait",
                                                "Calculating Median and Percentiles - Please Wait"};
     EXPECT_EQ(progress.captions, expected);
+}
 
+TEST(Passes, AStopRequestCancelsTheRun) {
+    const auto settings = everyPass();
     RecordingProgress stopping(20);
     auto again = rowsWith({{1, {1.0, 2.0, BE, RE}}});
     EXPECT_THROW(memberStatistics(again, settings, stopping), core::Cancelled);

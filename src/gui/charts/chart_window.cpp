@@ -5,6 +5,7 @@
 #include "gui/charts/chart_render.hpp"
 #include "gui/charts/chart_settings_dialog.hpp"
 #include "gui/widget_helpers.hpp"
+#include "screens/file_choice.hpp"
 #include "screens/navigation.hpp"
 
 #include <QApplication>
@@ -109,7 +110,8 @@ void ChartWindow::printChart() {
 }
 
 void ChartWindow::savePicture() {
-    const auto path = dialogs_.pickSaveFile(PictureFilter, record_.state().defaultDir, "PNG");
+    const auto path =
+        dialogs_.pickSaveFile(screens::filter::Pictures, record_.state().defaultDir, "PNG");
     if (!path) {
         return;
     }

@@ -23,10 +23,6 @@ class ChartSettingsDialog;
 class ChartWindow : public QMainWindow {
     Q_OBJECT
 public:
-    // Picture files the Save Picture command offers.
-    static constexpr std::string_view PictureFilter =
-        "PNG Files (*.PNG)|*.PNG|SVG Files (*.SVG)|*.SVG";
-
     ChartWindow(core::ProgramState& state, screens::Dialogs& dialogs, charts::ChartModel model,
                 QWidget* parent);
     ~ChartWindow() override;
