@@ -194,16 +194,17 @@ void printScenarios(CliContext& context, const Json& observedRain, const Json& s
     context.printLine("Scenarios against the observed series (annual, " +
                       observedRain["start"].get<std::string>() + " to " +
                       observedRain["end"].get<std::string>() + "):");
-    const Json& rain = tableRow(observedRain["table"], "Annual");
-    const Json& rainScenario = tableRow(scenarioRain["table"], "Annual");
+    const auto annual = [](const Json& results, const std::string& statistic) {
+        return tableValue(results["table"], "Annual", statistic);
+    };
     context.printLine("  precipitation, 10 % fewer wet days, total kept: wet days " +
-                      fixed(100.0 * rain["Wet-days%"].get<double>(), 1) + " % -> " +
-                      fixed(100.0 * rainScenario["Wet-days%"].get<double>(), 1) + " %, mean " +
-                      fixed(rain["Mean"], 2) + " -> " + fixed(rainScenario["Mean"], 2) + " mm");
+                      fixed(100.0 * annual(observedRain, "Wet-days%"), 1) + " % -> " +
+                      fixed(100.0 * annual(scenarioRain, "Wet-days%"), 1) + " %, mean " +
+                      fixed(annual(observedRain, "Mean"), 2) + " -> " +
+                      fixed(annual(scenarioRain, "Mean"), 2) + " mm");
     context.printLine("  maximum temperature, linear warming of " + warming +
-                      " deg C a year: mean " +
-                      fixed(tableRow(observedTmax["table"], "Annual")["Mean"], 2) + " -> " +
-                      fixed(tableRow(scenarioTmax["table"], "Annual")["Mean"], 2) + " deg C");
+                      " deg C a year: mean " + fixed(annual(observedTmax, "Mean"), 2) + " -> " +
+                      fixed(annual(scenarioTmax, "Mean"), 2) + " deg C");
 }
 
 int runChain(CliContext& context, const DemoOptions& options) {
