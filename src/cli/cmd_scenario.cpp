@@ -93,7 +93,7 @@ int runScenario(CliContext& context, const ScenarioOptions& options) {
     fillScreen(screen, options);
     const auto outcome = screen.generate(context.dialogs(), context.progress());
     if (outcome == screens::RunOutcome::Done) {
-        context.reportWritten("OUT file", screen.outFilePath);
+        context.reportWritten("OUT file", screen.outFile.path);
         if (context.options.json) {
             const auto& result = *screen.lastResult;
             nlohmann::ordered_json document;

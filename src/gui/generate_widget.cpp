@@ -190,22 +190,13 @@ QWidget* GenerateWidget::trendGroup() {
 }
 
 void GenerateWidget::showRecord() {
-    inFileLabel_->setText(qt(record_.inFileText));
-    outFileLabel_->setText(qt(record_.outFileText));
+    inFileLabel_->setText(qt(record_.inFile.text));
+    outFileLabel_->setText(qt(record_.outFile.text));
     for (const auto& [box, flag] : ticks_) {
         box->setChecked(*flag);
     }
     for (const auto& [group, option] : optionGroups_) {
-        if (QAbstractButton* button = group->button(*option)) {
-            button->setChecked(true);
-        } else {
-            // No option chosen: every option clear.
-            group->setExclusive(false);
-            for (QAbstractButton* each : group->buttons()) {
-                each->setChecked(false);
-            }
-            group->setExclusive(true);
-        }
+        selectOption(group, *option);
     }
     showFields();
 }

@@ -11,6 +11,7 @@ namespace varo::screens {
 inline constexpr std::string_view NotSelected = "Not selected";
 
 namespace filter {
+inline constexpr std::string_view Any = "All Files (*.*)|*.*";
 // Data files: any file first, then DAT and TXT.
 inline constexpr std::string_view Data =
     "All Files (*.*)|*.*|DAT Files (*.DAT)|*.DAT|TXT Files (*.TXT)|*.TXT";

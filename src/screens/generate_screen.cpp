@@ -17,23 +17,32 @@ using Message = std::optional<std::string>;
 constexpr std::string_view NoAmountChange =
     "You are trying to apply an amount treatment but applying no change.";
 
-// The check of a numeric field: one message when the text is no number, another when the
-// value lies outside low to high (the limits pass).
-FieldCheck rangeCheck(std::string notNumber, std::string outOfRange, double low, double high) {
-    return [=](const std::string& text) -> Message {
-        if (!core::isNumeric(text)) {
-            return notNumber;
-        }
-        const double value = core::leadingNumber(text);
-        if (value < low || value > high) {
-            return outOfRange;
-        }
-        return std::nullopt;
-    };
-}
-
 double valueOf(const TextField& field) {
     return core::leadingNumber(field.text);
+}
+
+// A field that must hold a number from low to high (the limits pass): its value once it
+// passes, nothing when it was refused.
+std::optional<double> rangedValue(TextField& field, Dialogs& dialogs, double low, double high,
+                                  const std::string& notNumber, const std::string& outside) {
+    if (!field.check(dialogs, rangeCheck(low, high, notNumber, outside))) {
+        return std::nullopt;
+    }
+    return valueOf(field);
+}
+
+// The fields from -100 to 100, whose two messages differ only by the field's name.
+std::optional<double> hundredValue(TextField& field, Dialogs& dialogs, const std::string& name) {
+    return rangedValue(field, dialogs, -100.0, 100.0,
+                       name + " must be a value between -100 and 100.",
+                       name + " must be between -100 and 100.");
+}
+
+bool store(double& into, std::optional<double> value) {
+    if (value) {
+        into = *value;
+    }
+    return value.has_value();
 }
 
 // (change + 100) / 100 in single precision, from the change held as single.
@@ -48,33 +57,29 @@ GenerateScreen::GenerateScreen(core::ProgramState& state) : state_(state) {
 }
 
 void GenerateScreen::chooseInFile(const std::string& path) {
-    inFilePath = path;
-    inFileText = core::bareFileName(path);
+    inFile.choose(path);
 }
 
 void GenerateScreen::chooseOutFile(const std::string& path) {
-    outFilePath = path;
-    outFileText = core::bareFileName(path);
+    outFile.choose(path);
 }
 
 void GenerateScreen::pickInFile(Dialogs& dialogs) {
-    if (const auto path = dialogs.pickOpenFile(InFilter, state_.defaultDir)) {
+    if (const auto path = dialogs.pickOpenFile(filter::Any, state_.defaultDir)) {
         chooseInFile(*path);
     }
 }
 
 void GenerateScreen::pickOutFile(Dialogs& dialogs) {
-    if (const auto path = dialogs.pickSaveFile(OutFilter, state_.defaultDir, "OUT")) {
+    if (const auto path = dialogs.pickSaveFile(filter::Out, state_.defaultDir, "OUT")) {
         chooseOutFile(*path);
     }
 }
 
 void GenerateScreen::reset() {
     state_.stopRequested.clear();
-    inFileText = std::string(NotSelected);
-    inFilePath.clear();
-    outFileText = std::string(NotSelected);
-    outFilePath.clear();
+    inFile.clear();
+    outFile.clear();
     eSize.reset(std::string(DefaultEnsemble));
     ensembleSize = 1;
     refreshGlobals();
@@ -106,13 +111,11 @@ void GenerateScreen::refreshGlobals() {
 }
 
 bool GenerateScreen::checkAmountFactor(Dialogs& dialogs) {
-    if (!amountFactorText.check(dialogs, rangeCheck("Factor must be a value between -100 and 100.",
-                                                    "Factor must be between -100 and 100.", -100.0,
-                                                    100.0))) {
-        return false;
+    const auto factor = hundredValue(amountFactorText, dialogs, "Factor");
+    if (factor) {
+        amountFactor = static_cast<float>((*factor + 100.0) / 100.0);
     }
-    amountFactor = static_cast<float>((valueOf(amountFactorText) + 100.0) / 100.0);
-    return true;
+    return factor.has_value();
 }
 
 bool GenerateScreen::checkExpTrend(Dialogs& dialogs) {
@@ -129,48 +132,26 @@ bool GenerateScreen::checkExpTrend(Dialogs& dialogs) {
 }
 
 bool GenerateScreen::checkAmountAddition(Dialogs& dialogs) {
-    if (!amountAdditionText.check(
-            dialogs, rangeCheck("Addition must be a value between -100 and 100.",
-                                "Addition must be between -100 and 100.", -100.0, 100.0))) {
-        return false;
-    }
-    amountAddition = valueOf(amountAdditionText);
-    return true;
+    return store(amountAddition, hundredValue(amountAdditionText, dialogs, "Addition"));
 }
 
 bool GenerateScreen::checkLinearTrend(Dialogs& dialogs) {
-    if (!linearTrendText.check(
-            dialogs, rangeCheck("Linear trend must be a value between -100 and 100.",
-                                "Linear trend must be between -100 and 100.", -100.0, 100.0))) {
-        return false;
-    }
-    linearTrend = valueOf(linearTrendText);
-    return true;
+    return store(linearTrend, hundredValue(linearTrendText, dialogs, "Linear trend"));
 }
 
 bool GenerateScreen::checkLogisticTrend(Dialogs& dialogs) {
-    if (!logisticTrendText.check(
-            dialogs, rangeCheck("Logistic trend must be a value between -100 and 100.",
-                                "Logistic trend must be between -100 and 100.", -100.0, 100.0))) {
-        return false;
-    }
-    logisticTrend = valueOf(logisticTrendText);
-    return true;
+    return store(logisticTrend, hundredValue(logisticTrendText, dialogs, "Logistic trend"));
 }
 
 bool GenerateScreen::checkThreshold(Dialogs& dialogs) {
-    if (!thresholdText.check(dialogs, rangeCheck("Threshold must be a value.",
-                                                 "Threshold must be between -100 and 100.", -100.0,
-                                                 100.0))) {
-        return false;
-    }
-    threshold = valueOf(thresholdText);
-    return true;
+    return store(threshold,
+                 rangedValue(thresholdText, dialogs, -100.0, 100.0, "Threshold must be a value.",
+                             "Threshold must be between -100 and 100."));
 }
 
 bool GenerateScreen::checkFrequencyChange(Dialogs& dialogs) {
     const std::string message = "Frequency change value must be between -99 and 100.";
-    if (!frequencyChangeText.check(dialogs, rangeCheck(message, message, -99.0, 100.0))) {
+    if (!rangedValue(frequencyChangeText, dialogs, -99.0, 100.0, message, message)) {
         return false;
     }
     frequencyFactor = changeFactor(frequencyChangeText);
@@ -179,7 +160,7 @@ bool GenerateScreen::checkFrequencyChange(Dialogs& dialogs) {
 
 bool GenerateScreen::checkVarianceFactor(Dialogs& dialogs) {
     const std::string message = "Factor must be a value.";
-    if (!varianceFactorText.check(dialogs, rangeCheck(message, message, -100000.0, 100000.0))) {
+    if (!rangedValue(varianceFactorText, dialogs, -100000.0, 100000.0, message, message)) {
         return false;
     }
     varianceFactor = changeFactor(varianceFactorText);
@@ -200,12 +181,13 @@ bool GenerateScreen::checkStartDate(Dialogs& dialogs) {
 }
 
 bool GenerateScreen::checkEnsembleSize(Dialogs& dialogs) {
-    if (!eSize.check(dialogs, rangeCheck("Ensemble Size must be a value between 1 and 100.",
-                                         "Ensemble Size must be between 1 and 100.", 1.0,
-                                         scenario::MaxMembers))) {
+    const auto size = rangedValue(eSize, dialogs, 1.0, scenario::MaxMembers,
+                                  "Ensemble Size must be a value between 1 and 100.",
+                                  "Ensemble Size must be between 1 and 100.");
+    if (!size) {
         return false;
     }
-    ensembleSize = static_cast<int>(core::roundHalfEven(valueOf(eSize)));
+    ensembleSize = static_cast<int>(core::roundHalfEven(*size));
     eSize.reset(std::to_string(ensembleSize));
     return true;
 }
@@ -228,8 +210,8 @@ RunOutcome GenerateScreen::runChecks(Dialogs& dialogs) {
         return Step([this, &dialogs, check] { return (this->*check)(dialogs); });
     };
     const std::vector<Step> steps = {
-        refuseIf([this] { return inFilePath.size() < 5; }, "You must select an input file first."),
-        refuseIf([this] { return outFilePath.empty(); },
+        refuseIf([this] { return inFile.path.size() < 5; }, "You must select an input file first."),
+        refuseIf([this] { return outFile.path.empty(); },
                  "You must enter a filename to save results to."),
         refuseIf(
             [this] { return !occurenceCheck && !amountCheck && !trendCheck && !varianceCheck; },
@@ -276,8 +258,8 @@ RunOutcome GenerateScreen::runChecks(Dialogs& dialogs) {
 
 scenario::ScenarioRequest GenerateScreen::request() const {
     scenario::ScenarioRequest r;
-    r.inPath = inFilePath;
-    r.outPath = outFilePath;
+    r.inPath = inFile.path;
+    r.outPath = outFile.path;
     r.ensembleSize = ensembleSize;
     r.scope = {threshold, state_.globalMissingCode, conditionalCheck};
     r.start = {core::calendarInForce(state_), startDate};
@@ -317,9 +299,9 @@ RunOutcome GenerateScreen::generate(Dialogs& dialogs, core::Progress& progress) 
     if (runChecks(dialogs) != RunOutcome::Done) {
         return RunOutcome::Refused;
     }
-    auto refusal = outputOverInput(state_, {outFilePath}, {inFilePath});
+    auto refusal = outputOverInput(state_, {outFile.path}, {inFile.path});
     if (!refusal) {
-        if (const auto firstLine = scenario::firstLineOf(inFilePath)) {
+        if (const auto firstLine = scenario::firstLineOf(inFile.path)) {
             refusal = scenario::sizeRefusal(*firstLine, ensembleSize);
         }
     }

@@ -12,6 +12,7 @@
 #include "core/progress.hpp"
 #include "scenario/scenario_driver.hpp"
 #include "screens/dialogs.hpp"
+#include "screens/file_choice.hpp"
 #include "screens/screen_run.hpp"
 #include "screens/text_field.hpp"
 
@@ -24,9 +25,6 @@ namespace varo::screens {
 
 class GenerateScreen {
 public:
-    static constexpr std::string_view InFilter = "All Files (*.*)|*.*";
-    static constexpr std::string_view OutFilter = "OUT Files (*.OUT)|*.OUT|All Files (*.*)|*.*";
-    static constexpr std::string_view NotSelected = "Not selected";
     static constexpr std::string_view ResultsTitle = "Results";
     static constexpr std::string_view DefaultEnsemble = "1";
     static constexpr std::string_view DefaultChange = "0";
@@ -40,10 +38,8 @@ public:
 
     explicit GenerateScreen(core::ProgramState& state);
 
-    std::string inFileText{NotSelected};
-    std::string inFilePath;
-    std::string outFileText{NotSelected};
-    std::string outFilePath;
+    ChosenFile inFile;
+    ChosenFile outFile;
     TextField startDateText;
     TextField eSize;
     TextField thresholdText;

@@ -66,7 +66,8 @@ TEST_F(GenerateFixture, ChecksRunInTheirOrderWithTheirWords) {
     const auto badExp = [](Screen& s) { s.expTrendText.text = "0"; };
     const std::vector<Case> cases = {
         {[](Screen& s) { s.chooseInFile("a.da"); }, "You must select an input file first."},
-        {[](Screen& s) { s.outFilePath.clear(); }, "You must enter a filename to save results to."},
+        {[](Screen& s) { s.outFile.path.clear(); },
+         "You must enter a filename to save results to."},
         {[](Screen& s) { s.trendCheck = false; }, "You must select at least one treatment."},
         {[](Screen& s) { s.occurenceCheck = true; },
          "You cannot perform an occurrence treatment on data that are unconditional."},
@@ -162,8 +163,8 @@ TEST_F(GenerateFixture, DefaultsPassAndResetRestoresThem) {
     screen.amountOption = GenerateScreen::Addition;
     screen.expTrendText.text = "7";
     screen.reset();
-    EXPECT_EQ(screen.inFileText, "Not selected");
-    EXPECT_EQ(screen.outFilePath, "");
+    EXPECT_EQ(screen.inFile.text, "Not selected");
+    EXPECT_EQ(screen.outFile.path, "");
     EXPECT_FALSE(screen.amountCheck || screen.trendCheck);
     EXPECT_EQ(screen.amountOption, GenerateScreen::NoOption);
     EXPECT_EQ(screen.trendOption, GenerateScreen::NoOption);
