@@ -497,16 +497,23 @@ int profileMonth(std::string_view name) {
 
 // A percentage of the profile, checked as its field on the advanced settings screen.
 std::optional<std::string> assignProfile(ProgramState& state, int month, std::string_view value) {
-    const double percentage = leadingNumber(value);
-    if (!isNumeric(value) || percentage < 0.0 || percentage > 100.0) {
-        return "Modification value for " + state.periodNames[static_cast<size_t>(month)] +
-               " must be between 0 and 100.";
+    if (auto refusal =
+            monthModificationRefusal(state.periodNames[static_cast<size_t>(month)], value)) {
+        return refusal;
     }
-    state.monthModification[static_cast<size_t>(month - 1)] = static_cast<float>(percentage);
+    state.monthModification[static_cast<size_t>(month - 1)] =
+        static_cast<float>(leadingNumber(value));
     return std::nullopt;
 }
 
 } // namespace
+
+std::optional<std::string> monthModificationRefusal(std::string_view monthName,
+                                                    std::string_view text) {
+    const std::string message =
+        "Modification value for " + std::string(monthName) + " must be between 0 and 100.";
+    return rangeRefusal(text, 0.0, 100.0, message, message);
+}
 
 std::optional<std::string> assignSetting(ProgramState& state, std::string_view name,
                                          std::string_view value) {

@@ -82,6 +82,11 @@ std::string readSetting(const std::string& path, std::string_view key);
 // numbers in their shortest form, dd/mm/yyyy dates and paths as they stand.
 std::string writtenSettingValue(const ProgramState& state, std::string_view key);
 
+// The check of one month's wet-day percentage of the advanced settings (0 to 100): the
+// message naming the month, or nothing when the text passes.
+std::optional<std::string> monthModificationRefusal(std::string_view monthName,
+                                                    std::string_view text);
+
 // Sets the key from a value typed for it (`--set`, `settings set`) through the checks and
 // couplings of its screen: the message that refuses the key or the value, or nothing.
 std::optional<std::string> assignSetting(ProgramState& state, std::string_view key,

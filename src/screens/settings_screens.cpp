@@ -195,9 +195,9 @@ bool AdvSettingsScreen::checkConditionalThresh(Dialogs& dialogs) {
 
 bool AdvSettingsScreen::checkMonthModification(Dialogs& dialogs, int monthIndex) {
     TextField& field = zomText[static_cast<size_t>(monthIndex)];
-    const std::string message = std::string("Modification value for ") + MonthNames[monthIndex] +
-                                " must be between 0 and 100.";
-    const bool ok = field.check(dialogs, rangeCheck(0.0, 100.0, message, message));
+    const bool ok = field.check(dialogs, [monthIndex](const std::string& text) {
+        return core::monthModificationRefusal(MonthNames[monthIndex], text);
+    });
     if (ok) {
         state_.monthModification[static_cast<size_t>(monthIndex)] =
             static_cast<float>(core::leadingNumber(field.text));
